@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Platform/Foundation/CurlAddress.h"
+#include "Platform/Foundation/HTTPSession.h"
+#include "Platform/Foundation/TrustedCertificates.h"
+
+#include <curl/curl.h>
+
+#include <array>
+#include <stop_token>
+
+namespace platform {
+
+// One request and its answer on a libcurl handle, which reports to the events of an exchange. Made on any
+// thread, then used on the thread of its loop alone.
+class CurlTransfer {
+public:
+    using Moment = std::chrono::steady_clock::time_point;
+
+    // `trusted` may be null. Throws HTTPError for an address that must not be asked.
+    CurlTransfer(HTTPRequest sent, std::shared_ptr<HTTPEvents> reported, std::stop_token dropped,
+                 std::shared_ptr<const TrustedCertificates> trusted);
+    CurlTransfer(const CurlTransfer&) = delete;
+    CurlTransfer& operator=(const CurlTransfer&) = delete;
+
+    CURL* handle() const { return easy.get(); }
+
+    // When to abandon the transfer, which is due to be done if the moment has passed. To be asked again after
+    // each byte and each cancellation.
+    Moment deadline();
+
+    // Has the connection closed with the transfer.
+    void abandon();
+
+    // The last report, made once: how the transfer ended.
+    void finish(CURLcode result);
+    void fail(const std::string& sentence);
+
+private:
+    struct Free {
+        void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+    };
+
+    template <typename Value>
+    void set(CURLoption option, Value value);
+    void setRequest();
+    void setConnection();
+    void setCallbacks();
+    void receiveHeaderLine(std::string_view line);
+    bool receiveBody(std::string_view piece);
+    void report(HTTPResponse head);
+
+    static std::size_t onHeader(char* bytes, std::size_t, std::size_t length, void* self) noexcept;
+    static std::size_t onBody(char* bytes, std::size_t, std::size_t length, void* self) noexcept;
+    static int onTraffic(CURL*, curl_infotype kind, char*, std::size_t, void* self) noexcept;
+    static CURLcode onTLSContext(CURL*, void* context, void* certificates) noexcept;
+
+    const HTTPRequest request;
+    const CurlAddress address;
+    const std::shared_ptr<HTTPEvents> events;
+    const std::stop_token cancellation;
+    const std::shared_ptr<const TrustedCertificates> trustedCertificates;
+
+    Moment lastTraffic = std::chrono::steady_clock::now();
+    std::optional<Moment> cancelledAt;
+    bool requestIsOut = false;
+    bool headIsReported = false;
+    std::size_t received = 0;
+    std::array<char, CURL_ERROR_SIZE> detail{};
+    std::unique_ptr<curl_slist, Free> headers;
+    std::unique_ptr<CURL, Free> easy;
+};
+
+} // namespace platform
