@@ -1,0 +1,43 @@
+#include "Core/FreeTranslator.h"
+
+#include "Core/DeviceID.h"
+#include "Core/ServiceAddress.h"
+#include "Core/TranslationError.h"
+#include "Platform/Foundation/Text.h"
+#include "Platform/Host.h"
+
+#include <nlohmann/json.hpp>
+
+namespace lumarin {
+
+using namespace std::chrono_literals;
+using platform::Host;
+
+FreeTranslator::FreeTranslator() : session(Host::current().makeHTTPSession({.timeoutForRequest = 10s})) {}
+
+platform::Task<std::string> FreeTranslator::translate(std::string text, TargetLanguage to) {
+    co_await platform::resumeOn(Host::current().backgroundExecutor());
+    nlohmann::json body;
+    body["text"] = text;
+    body["source_lang"] = "ZH";
+    body["target_lang"] = code(to);
+    platform::HTTPRequest request;
+    request.url = serviceURL("/v1/free");
+    request.method = "POST";
+    request.headers = {{"Content-Type", "application/json"}, {"X-Device-ID", DeviceID::current()}};
+    request.body = body.dump();
+
+    auto answer = co_await session->bytes(std::move(request));
+    auto bytes = co_await answer.readAll();
+    if (answer.response.status != 200) {
+        auto message = platform::text::isValid(bytes) ? bytes : "Unknown error";
+        throw TranslationError::apiError(platform::text::prefix(message, 100));
+    }
+    auto result = nlohmann::json::parse(bytes);
+    if (!result.is_object() || !result.contains("text") || !result["text"].is_string()
+        || result["text"].get_ref<const std::string&>().empty())
+        throw TranslationError(TranslationError::Case::emptyResponse);
+    co_return result["text"].get<std::string>();
+}
+
+} // namespace lumarin

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <exception>
+#include <string>
+
+namespace lumarin {
+
+// An error of the program's own. `what` is its printed form, for the log.
+class LocalizedError : public std::exception {
+public:
+    explicit LocalizedError(std::string form) : printedForm(std::move(form)) {}
+
+    const char* what() const noexcept override { return printedForm.c_str(); }
+
+    // What a person is told, in the interface language of the moment.
+    virtual std::string errorDescription() const = 0;
+
+private:
+    std::string printedForm;
+};
+
+// What a person is told of any error; those of the platform bring their own sentence.
+std::string localizedDescription(const std::exception& error);
+
+} // namespace lumarin

@@ -1,0 +1,101 @@
+#include "Core/TextManager.h"
+
+#include "Core/TextManagerError.h"
+#include "Platform/Foundation/Sleep.h"
+#include "Platform/Host.h"
+
+namespace lumarin {
+namespace {
+
+using namespace std::chrono_literals;
+using platform::EventType;
+using platform::Host;
+using platform::Task;
+
+constexpr platform::Duration keystrokeDelay = 50ms;
+constexpr platform::Duration retryDelay = 100ms;
+constexpr int maxRetries = 3;
+
+void postKey(int keyCode, std::uint64_t flags) {
+    auto& keyboard = Host::current().keyboard();
+    keyboard.post({EventType::keyDown, keyCode, flags});
+    keyboard.post({EventType::keyUp, keyCode, flags});
+}
+
+} // namespace
+
+Task<std::string> TextManager::readCurrentText() {
+    co_await platform::resumeOn(Host::current().backgroundExecutor());
+    std::string text;
+    co_await keepingClipboard([this, &text]() -> Task<void> { text = co_await copyFocusedText(); });
+    if (text.empty())
+        throw TextManagerError(TextManagerError::Case::emptyText);
+    co_return text;
+}
+
+Task<void> TextManager::writeText(std::string text) {
+    co_await platform::resumeOn(Host::current().backgroundExecutor());
+    co_await keepingClipboard([this, &text]() -> Task<void> { return pasteOver(std::move(text)); });
+}
+
+// Whatever ends the work, a cancellation too, the clipboard is put back before it goes on.
+template <typename Work>
+Task<void> TextManager::keepingClipboard(Work work) {
+    co_await clipboardGuard.save();
+    std::exception_ptr failure;
+    try {
+        co_await work();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    co_await platform::ignoreCancellation();
+    co_await clipboardGuard.restore();
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
+Task<std::string> TextManager::copyFocusedText() {
+    auto text = co_await copyAttempt();
+    wasPartialSelection = !text.empty();
+    if (wasPartialSelection)
+        co_return text;
+    simulateKeyCombo(KeyCode::a, platform::flag::command);
+    co_await platform::sleep(keystrokeDelay);
+    for (int attempt = 0; attempt < maxRetries && text.empty(); ++attempt) {
+        text = co_await copyAttempt();
+        if (text.empty())
+            co_await platform::sleep(retryDelay);
+    }
+    // The selection collapses to the end of the text.
+    postKey(platform::key::rightArrow, 0);
+    co_await platform::sleep(keystrokeDelay);
+    co_return text;
+}
+
+// The clipboard is emptied first: what was copied before is never taken for the field's text.
+Task<std::string> TextManager::copyAttempt() {
+    auto& pasteboard = Host::current().generalPasteboard();
+    co_await pasteboard.clearContents();
+    simulateKeyCombo(KeyCode::c, platform::flag::command);
+    co_await platform::sleep(keystrokeDelay);
+    auto copied = co_await pasteboard.string();
+    co_return copied.value_or("");
+}
+
+Task<void> TextManager::pasteOver(std::string text) {
+    if (!wasPartialSelection) {
+        simulateKeyCombo(KeyCode::a, platform::flag::command);
+        co_await platform::sleep(keystrokeDelay);
+    }
+    auto& pasteboard = Host::current().generalPasteboard();
+    co_await pasteboard.clearContents();
+    co_await pasteboard.setString(std::move(text));
+    simulateKeyCombo(KeyCode::v, platform::flag::command);
+    co_await platform::sleep(keystrokeDelay);
+}
+
+void TextManager::simulateKeyCombo(KeyCode key, std::uint64_t flags) {
+    postKey(static_cast<int>(key), flags);
+}
+
+} // namespace lumarin

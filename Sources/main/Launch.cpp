@@ -1,0 +1,24 @@
+#include "main/Launch.h"
+
+#include "Core/Logger.h"
+#include "Platform/Foundation/FileManager.h"
+#include "Platform/Host.h"
+#include "main/AppDelegate.h"
+
+namespace lumarin {
+
+void beginLog() {
+    platform::files::replace(LumLog::logURL(), "=== Lumarin starting ===\n");
+}
+
+void runApp() {
+    platform::files::append(LumLog::logURL(), "runApp called\n");
+    auto& application = platform::Host::current().application();
+    // The application refers to its delegate weakly.
+    auto delegate = std::make_shared<AppDelegate>();
+    application.delegate = delegate;
+    application.activationPolicy = platform::ActivationPolicy::accessory;
+    application.run();
+}
+
+} // namespace lumarin

@@ -1,0 +1,172 @@
+#include "Core/DeviceID.h"
+#include "Core/FreeTranslator.h"
+#include "Core/LLMTranslator.h"
+#include "Core/LocalizationManager.h"
+#include "Core/TranslationError.h"
+#include "Core/TranslationPrompt.h"
+#include "Support/HeadlessTest.h"
+#include "Support/Streams.h"
+
+using namespace lumarin;
+using namespace tests;
+using platform::headless::ScriptedAnswer;
+
+namespace {
+
+class TranslationClients : public HeadlessTest {
+protected:
+    TranslationClients() {
+        host.network.respond = [this](const platform::HTTPRequest&) { return answer; };
+    }
+
+    // The result, or the error's printed form.
+    std::string stream(const std::string& body) {
+        answer.pieces = {body};
+        reports.clear();
+        try {
+            return finish(
+                translator.translateStream("报价", StylePreset::casual, TargetLanguage::english,
+                                           [this](const std::string& soFar) { reports.push_back(soFar); }));
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+    }
+
+    std::string translateFree() {
+        try {
+            return finish(free.translate("hi", TargetLanguage::french));
+        } catch (const TranslationError& error) {
+            return error.what();
+        }
+    }
+
+    ScriptedAnswer answer;
+    LLMTranslator translator;
+    FreeTranslator free;
+    std::vector<std::string> reports;
+};
+
+} // namespace
+
+TEST_F(TranslationClients, StreamReportsTheWholeTextSoFarAndSkipsWhatIsNoContent) {
+    using Reports = std::vector<std::string>;
+    const std::string x = deltaLine("X");
+    struct {
+        std::string body;
+        std::string result;
+        Reports reported;
+    } cases[] = {
+        {x + deltaLine("Y") + deltaLine("Z"), "XYZ", {"X", "XY", "XYZ"}},
+        {deltaLine("\n X") + deltaLine(" \u3000"), "X", {"\n X", "\n X \u3000"}},
+        {"data: [DONE]\n" + x, "emptyResponse", {}},
+        {deltaLine(" ") + deltaLine("\n"), "", {" ", " \n"}},
+        {deltaLine("") + x, "X", {"", "X"}},
+        {": keep alive\nevent: delta\ndata:{}\nid: 1\n\n" + x, "X", {"X"}},
+        {"data: {\"choices\":[]}\ndata: {\"choices\":[{\"delta\":{}}]}\n" + x, "X", {"X"}},
+        {"data: {\"choices\":[{\"delta\":{\"content\":null}}]}\ndata: {\"choices\":[{\"delta\":[]}]}\n",
+         "emptyResponse",
+         {}},
+        {"data: {\"choices\":[{\"delta\":{\"content\":\"a\"}},1]}\ndata: {\"choices\":{\"0\":1}}\n",
+         "emptyResponse",
+         {}},
+        {"data: not json\ndata: [1]\ndata: \"s\"\ndata: {\"choices\":[{}]}\ndata: \n" + x, "X", {"X"}},
+        {"data: {\"choices\":[{\"delta\":{\"content\":\"\\ud83d\\ude00\"}}]}\r\ndata: [DONE]", "😀", {"😀"}},
+        {"data: {\"choices\":[{\"delta\":{\"content\":\"a\xff\"}}]}\r", "a\uFFFD", {"a\uFFFD"}},
+        {"data: " + std::string(200'000, '[') + "\n" + x, "X", {"X"}},
+    };
+    for (const auto& [body, result, reported] : cases) {
+        EXPECT_EQ(stream(body), result) << body.substr(0, 100);
+        EXPECT_EQ(reports, reported) << body.substr(0, 100);
+    }
+}
+
+TEST_F(TranslationClients, ErrorsCarryTheBeginningOfTheAnswer) {
+    answer.status = 500;
+    std::string body;
+    for (int i = 0; i < 500; ++i)
+        body += "好\r\n";
+    std::string expected;
+    for (int i = 0; i < 200; ++i)
+        expected += "好";
+    EXPECT_EQ(stream(body), "apiError(\"HTTP 500: " + expected + "\")");
+
+    answer.status = 403;
+    answer.pieces = {std::string(500, 'x')};
+    EXPECT_EQ(translateFree(), "apiError(\"" + std::string(100, 'x') + "\")");
+    answer.pieces = {"\xff\xfe"};
+    EXPECT_EQ(translateFree(), "apiError(\"Unknown error\")");
+    for (const char* nothing : {"{}", "[]", "\"text\"", R"({"text": ""})", R"({"text": 5})"}) {
+        answer = {.pieces = {nothing}};
+        EXPECT_EQ(translateFree(), "emptyResponse") << nothing;
+    }
+    answer = {.pieces = {"<html>"}};
+    EXPECT_THROW(finish(free.translate("hi", TargetLanguage::french)), nlohmann::json::parse_error);
+}
+
+TEST_F(TranslationClients, RequestsHoldWhatTheServiceExpects) {
+    stream(deltaLine("Quote"));
+    answer = {.pieces = {R"({"text": "salut"})"}};
+    EXPECT_EQ(translateFree(), "salut");
+    ASSERT_EQ(host.network.requests.size(), 2U);
+    const auto& streaming = host.network.requests[0];
+    const auto& plain = host.network.requests[1];
+    EXPECT_EQ(streaming.method + " " + streaming.url, "POST https://localhost:8443/v1/translate");
+    EXPECT_EQ(streaming.timeout, 15s);
+    auto body = nlohmann::json::parse(streaming.body);
+    EXPECT_EQ(body.size(), 5U);
+    EXPECT_EQ(body["text"], "报价");
+    EXPECT_EQ(body["target_language"], "EN");
+    EXPECT_EQ(body["style"], "casual");
+    EXPECT_EQ(body["stream"], true);
+    EXPECT_TRUE(body["system_prompt"].get<std::string>().ends_with("- 报价 → Quote / Quotation\n"));
+    EXPECT_EQ(plain.method + " " + plain.url, "POST https://localhost:8443/v1/free");
+    EXPECT_EQ(nlohmann::json::parse(plain.body),
+              nlohmann::json({{"text", "hi"}, {"source_lang", "ZH"}, {"target_lang", "FR"}}));
+    const std::vector<std::pair<std::string, std::string>> headers{{"Content-Type", "application/json"},
+                                                                   {"X-Device-ID", DeviceID::current()}};
+    EXPECT_EQ(streaming.headers, headers);
+    EXPECT_EQ(plain.headers, headers);
+}
+
+TEST_F(TranslationClients, DeviceIDIsKeptAsStoredAndMadeAnewWhenGone) {
+    auto& defaults = host.userDefaults();
+    auto created = DeviceID::current();
+    EXPECT_EQ(created.size(), 36U);
+    EXPECT_EQ(created.find_first_not_of("0123456789ABCDEF-"), std::string::npos);
+    EXPECT_EQ(DeviceID::current(), created);
+    defaults.remove("Lumarin.deviceID");
+    EXPECT_NE(DeviceID::current(), created);
+    defaults.set("Lumarin.deviceID", "any-thing");
+    EXPECT_EQ(DeviceID::current(), "any-thing");
+}
+
+TEST_F(TranslationClients, ErrorTextsFollowTheInterfaceLanguage) {
+    auto& localization = LocalizationManager::shared();
+    auto error = TranslationError::apiError("HTTP 500: 100%@");
+    EXPECT_EQ(error.errorDescription(), "The translation service reported a problem: HTTP 500: 100%@");
+    localization.setLanguage(LocalizationManager::Language::zh);
+    EXPECT_EQ(error.errorDescription(), "翻译服务返回错误：HTTP 500: 100%@");
+}
+
+TEST(TranslationPrompt, IsPutTogetherFromItsPieces) {
+    auto count = [](const std::string& text, const std::string& sought) {
+        int found = 0;
+        for (auto at = text.find(sought); at != std::string::npos; at = text.find(sought, at + 1))
+            ++found;
+        return found;
+    };
+    auto japanese = buildSystemPrompt(StylePreset::direct, {}, TargetLanguage::japanese);
+    EXPECT_EQ(count(japanese, "Japanese"), 4);
+    EXPECT_TRUE(japanese.ends_with("No markdown fences unless the input had them.\n\n"));
+    auto chinese = buildSystemPrompt(StylePreset::formal, {}, TargetLanguage::chinese);
+    EXPECT_EQ(count(chinese, "Simplified Chinese"), 4);
+    EXPECT_TRUE(chinese.ends_with("Output: 今晚8点北京见"));
+    EXPECT_EQ(count(chinese, "https://example.com"), 2);
+    auto english = buildSystemPrompt(StylePreset::casual, {{"货期", "Lead Time"}, {"样品", "Sample"}},
+                                     TargetLanguage::english);
+    EXPECT_TRUE(english.ends_with("See you in Beijing at 8pm tonight.\n\n# Industry term glossary (use these "
+                                  "translations when they appear)\n- 样品 → Sample\n- 货期 → Lead Time\n"))
+        << english;
+    auto russian = buildSystemPrompt(StylePreset::friendly, {{"柜", "Container"}}, TargetLanguage::russian);
+    EXPECT_NE(russian.find("had them.\n\n\n\n# Industry"), std::string::npos);
+}

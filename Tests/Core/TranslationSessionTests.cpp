@@ -1,0 +1,429 @@
+#include "Core/TranslationStateMachine.h"
+#include "Data/KeychainManager.h"
+#include "Support/HeadlessTest.h"
+#include "Support/Streams.h"
+
+using namespace lumarin;
+using namespace tests;
+using platform::PasteboardItem;
+using platform::headless::ScriptedAnswer;
+
+namespace {
+
+namespace key = platform::key;
+using End = ScriptedAnswer::End;
+
+// The real program on a machine in memory: a person types, holds Fn and looks at the field, the clipboard and
+// the log.
+class TranslationSession : public HeadlessTest {
+protected:
+    TranslationSession() {
+        host.applications.frontmost = {7, "Editor"};
+        host.field.setText("请报价");
+        host.pasteboard.items = usersClipboard;
+        host.network.respond = [this](const platform::HTTPRequest& request) {
+            return request.method == "HEAD" ? ScriptedAnswer{} : answer;
+        };
+    }
+
+    // Starts the program, and forgets the log of that.
+    void launch(TranslationMode mode = TranslationMode::ai) {
+        KeychainManager::saveMode(mode);
+        machine->setup();
+        host.advance(0ms);
+        std::filesystem::remove(dataFile("debug.log"));
+        host.network.requests.clear();
+    }
+
+    void press() {
+        EXPECT_TRUE(host.keys.pressFn());
+        host.advance(0ms);
+    }
+    void release() {
+        EXPECT_TRUE(host.keys.releaseFn());
+        host.advance(0ms);
+    }
+    void escape() {
+        host.keys.pressKey(key::escape);
+        host.advance(0ms);
+    }
+
+    // The whole of a gesture that a person holds long enough.
+    void translate() {
+        press();
+        host.advance(2s);
+        release();
+        host.advance(2s);
+    }
+
+    // The log's messages since the last call, without the lines of the key listener.
+    std::string log() {
+        std::istringstream lines(bytesOf(dataFile("debug.log")));
+        std::filesystem::remove(dataFile("debug.log"));
+        std::string messages;
+        for (std::string line; std::getline(lines, line);)
+            if (auto message = line.substr(std::string("[2026-11-16T18:35:58Z] ").size());
+                !message.starts_with("[Hotkey]"))
+                messages += message + "\n";
+        return messages;
+    }
+
+    // The keys typed for the user, by their letters, `>` for Right Arrow.
+    std::string typed() const {
+        std::string letters;
+        for (const auto& event : host.keys.posted) {
+            bool isArrow = event.keyCode == key::rightArrow;
+            EXPECT_EQ(event.flags, isArrow ? 0 : platform::flag::command);
+            letters += isArrow ? '>' : event.keyCode == key::a ? 'A' : event.keyCode == key::c ? 'C' : 'V';
+        }
+        return letters;
+    }
+
+    void expectUntouched() {
+        EXPECT_EQ(host.field.text, "请报价");
+        EXPECT_EQ(host.pasteboard.items, usersClipboard);
+        EXPECT_EQ(machine->state.value(), TranslationState::idle);
+        EXPECT_FALSE(machine->isProcessing.value());
+        EXPECT_EQ(host.network.openExchanges, 0);
+    }
+
+    void expectTranslated(const std::string& text) {
+        EXPECT_EQ(host.field.text, text);
+        EXPECT_EQ(host.pasteboard.items, usersClipboard);
+        EXPECT_EQ(machine->state.value(), TranslationState::idle);
+        EXPECT_FALSE(machine->isProcessing.value());
+    }
+
+    const std::vector<PasteboardItem> usersClipboard{
+        {{{"text/html", "<b>mine</b>"}, {"text/plain", "mine"}}},
+        {{{"image/png", std::string("\x89PNG\0\1", 6)}}},
+        {},
+    };
+    // Fragments arrive 100 ms apart; the translation is complete 500 ms after the read.
+    ScriptedAnswer answer = streamed({"Please ", "quote", "."}, 100ms);
+    std::shared_ptr<TranslationStateMachine> machine = std::make_shared<TranslationStateMachine>();
+};
+
+const std::string readWhole =
+    "[SM] fnDown — source app: Editor\n[SM] Reading text...\n[SM] Read: \"请报价\" (3 chars)\n"
+    "[SM] Translating (ai → english)...\n";
+const std::string done = "[SM] Done: \"Please quote.\"\n";
+const std::string injected = "[SM] Confirming — injecting into Editor\n[SM] Injected ✓\n";
+
+} // namespace
+
+TEST_F(TranslationSession, ReplacesTheWholeFieldWhenReleasedAfterTheTranslation) {
+    launch();
+    press();
+    EXPECT_EQ(machine->state.value(), TranslationState::reading);
+    host.advance(200ms);
+    EXPECT_EQ(machine->state.value(), TranslationState::translating);
+    host.advance(1s);
+    EXPECT_EQ(machine->state.value(), TranslationState::preview);
+    EXPECT_FALSE(machine->isProcessing.value());
+    EXPECT_EQ(host.field.selectedText(), "");
+    EXPECT_EQ(host.pasteboard.items, usersClipboard);
+    release();
+    host.advance(199ms);
+    EXPECT_EQ(host.field.text, "请报价");
+    host.advance(1s);
+    expectTranslated("Please quote.");
+    EXPECT_EQ(typed(), "CAC>AV");
+    EXPECT_EQ(host.applications.activated.size(), 1U);
+    EXPECT_EQ(log(), readWhole + done + "[SM] fnUp — state=preview\n" + injected);
+}
+
+TEST_F(TranslationSession, InjectsByItselfWhenReleasedBefore) {
+    launch();
+    struct {
+        platform::Duration held;
+        std::string logged;
+    } cases[] = {
+        {0ms, "[SM] fnDown — source app: Editor\n[SM] fnUp — state=reading\n"},
+        {100ms, "[SM] Reading text...\n[SM] fnUp — state=reading\n[SM] Read: "},
+        {300ms,
+         readWhole + "[SM] fnUp — state=translating\n[SM] Still translating, will inject when done\n" + done},
+    };
+    for (const auto& [held, logged] : cases) {
+        host.field.setText("请报价");
+        host.keys.pressFn();
+        if (held > 0ms)
+            host.advance(held);
+        release();
+        host.advance(3s);
+        expectTranslated("Please quote.");
+        auto messages = log();
+        EXPECT_NE(messages.find(logged), std::string::npos) << messages;
+        EXPECT_TRUE(messages.ends_with(done + injected)) << messages;
+    }
+}
+
+TEST_F(TranslationSession, ReplacesOnlyTheSelection) {
+    launch();
+    host.field.setText("你好，请报价。谢谢");
+    host.field.select(std::string("你好，").size(), std::string("你好，请报价").size());
+    translate();
+    expectTranslated("你好，Please quote.。谢谢");
+    EXPECT_EQ(typed(), "CV");
+    EXPECT_EQ(host.field.selectionStart, std::string("你好，Please quote.").size());
+}
+
+TEST_F(TranslationSession, FreeModeAsksOnce) {
+    launch(TranslationMode::free);
+    machine->currentLanguage = TargetLanguage::german;
+    answer = {.pieces = {R"({"text": " Bitte )", R"(anbieten. ", "more": 1})"}};
+    translate();
+    expectTranslated(" Bitte anbieten. ");
+    ASSERT_EQ(host.network.requests.size(), 1U);
+    EXPECT_EQ(host.network.requests[0].url, "https://localhost:8443/v1/free");
+    auto messages = log();
+    EXPECT_NE(messages.find("[SM] Translating (free → german)...\n[SM] Done: \" Bitte anbieten. \"\n"),
+              std::string::npos)
+        << messages;
+}
+
+TEST_F(TranslationSession, EscapeAbandonsAtEveryMomentOfTranslationAndPreview) {
+    launch();
+    struct {
+        platform::Duration at;
+        bool released;
+        std::string logged;
+    } cases[] = {
+        {200ms, false, readWhole + "[SM] Cancel\n[SM] Cancelled\n"},
+        {450ms, false, readWhole + "[SM] Cancel\n[SM] Cancelled\n"},
+        {450ms, true,
+         readWhole
+             + "[SM] fnUp — state=translating\n[SM] Still translating, will inject when done\n"
+               "[SM] Cancel\n[SM] Cancelled\n"},
+        {2s, false, readWhole + done + "[SM] Cancel\n"},
+    };
+    for (const auto& [at, released, logged] : cases) {
+        press();
+        host.advance(at);
+        if (released)
+            release();
+        escape();
+        expectUntouched();
+        host.advance(3s);
+        EXPECT_EQ(log(), logged);
+        if (!released) {
+            release();
+            host.advance(3s);
+            EXPECT_EQ(log(), "[SM] fnUp — state=idle\n");
+        }
+        expectUntouched();
+    }
+}
+
+TEST_F(TranslationSession, EscapeIsTheApplicationsWhileReadingAndInjecting) {
+    launch();
+    press();
+    host.advance(100ms);
+    escape();
+    host.advance(2s);
+    EXPECT_EQ(machine->state.value(), TranslationState::preview);
+    // The key and the release in one turn of the loop: the release comes first, so the text must arrive
+    // whole.
+    host.keys.releaseFn();
+    host.keys.pressKey(key::escape);
+    host.advance(10ms);
+    escape();
+    host.advance(2s);
+    expectTranslated("Please quote.");
+}
+
+TEST_F(TranslationSession, ShowsAnErrorForTwoSecondsAndIgnoresThePressMeanwhile) {
+    launch();
+    struct {
+        std::string field;
+        ScriptedAnswer answer;
+        std::string logged;
+        const char* state;
+    } cases[] = {
+        {"", answer, "[SM] fnDown — source app: Editor\n[SM] Reading text...\n[SM] Error: emptyText\n",
+         "reading"},
+        {"请报价",
+         {.status = 500, .pieces = {"no\nmodel"}},
+         readWhole + "[SM] Error: apiError(\"HTTP 500: nomodel\")\n",
+         "translating"},
+        {"请报价", {.pieces = {"data: [DONE]\n"}}, readWhole + "[SM] Error: emptyResponse\n", "translating"},
+        {"请报价",
+         {.pieces = {deltaLine("Ple")}, .end = End::fail},
+         readWhole + "[SM] Error: The connection was lost.\n",
+         "translating"},
+        {"请报价",
+         {.status = std::nullopt},
+         readWhole + "[SM] Error: networkError(\"Invalid response\")\n",
+         "translating"},
+    };
+    for (const auto& [field, scripted, logged, state] : cases) {
+        answer = scripted;
+        host.field.setText(field);
+        press();
+        host.advance(700ms);
+        release();
+        press();
+        EXPECT_TRUE(machine->isProcessing.value());
+        auto messages = log();
+        EXPECT_TRUE(messages.starts_with(logged)) << messages;
+        EXPECT_TRUE(messages.ends_with(std::string("[SM] fnDown ignored, state=") + state + "\n"))
+            << messages;
+        release();
+        host.advance(3s);
+        host.field.setText("请报价");
+        expectUntouched();
+        log();
+    }
+}
+
+TEST_F(TranslationSession, EscapeEndsTheDisplayOfATranslationError) {
+    launch();
+    answer = {.status = 503};
+    press();
+    host.advance(1s);
+    escape();
+    expectUntouched();
+    EXPECT_EQ(log(), readWhole + "[SM] Error: apiError(\"HTTP 503: \")\n[SM] Cancel\n");
+}
+
+TEST_F(TranslationSession, ReadsAFieldThatCopiesLate) {
+    launch();
+    host.field.ignoredCopies = 1;
+    translate();
+    expectTranslated("Please quote.");
+    EXPECT_EQ(typed(), "CACC>AV");
+}
+
+TEST_F(TranslationSession, GivesUpOnAFieldThatRefusesToCopy) {
+    launch();
+    host.field.ignoredCopies = 100;
+    translate();
+    host.advance(3s);
+    expectUntouched();
+    EXPECT_EQ(typed(), "CACCC>");
+    EXPECT_EQ(host.field.selectedText(), "");
+}
+
+TEST_F(TranslationSession, InjectsOnceWhateverIsPressedMeanwhile) {
+    launch();
+    press();
+    host.advance(2s);
+    release();
+    host.advance(100ms);
+    press();
+    release();
+    host.advance(2s);
+    expectTranslated("Please quote.");
+    EXPECT_EQ(typed(), "CAC>AV");
+    EXPECT_EQ(log(),
+              readWhole + done + "[SM] fnUp — state=preview\n[SM] Confirming — injecting into Editor\n"
+                  + "[SM] fnDown ignored, state=preview\n[SM] fnUp — state=preview\n[SM] Injected ✓\n");
+}
+
+TEST_F(TranslationSession, WhatIsLeftOfACancelledSessionDoesNotTouchTheNext) {
+    launch();
+    answer = {.end = End::stall};
+    press();
+    host.advance(500ms);
+    release();
+    // Abandoned and begun again in one turn of the loop, with the old release still waiting and the old task
+    // yet to unwind.
+    host.keys.pressKey(key::escape);
+    host.keys.pressFn();
+    answer = streamed({"Please quote."});
+    host.advance(2s);
+    EXPECT_EQ(machine->state.value(), TranslationState::preview);
+    EXPECT_EQ(host.field.text, "请报价");
+    release();
+    host.advance(2s);
+    expectTranslated("Please quote.");
+}
+
+TEST_F(TranslationSession, WorksWithoutAFrontApplication) {
+    launch();
+    host.applications.frontmost.reset();
+    translate();
+    expectTranslated("Please quote.");
+    EXPECT_TRUE(host.applications.activated.empty());
+    auto messages = log();
+    EXPECT_TRUE(messages.starts_with("[SM] fnDown — source app: nil\n")) << messages;
+    EXPECT_TRUE(messages.ends_with("[SM] Confirming — injecting into ?\n[SM] Injected ✓\n")) << messages;
+}
+
+TEST_F(TranslationSession, LogsTheFirstFiftyCharactersAsAReaderCountsThem) {
+    launch();
+    std::string fifty;
+    for (int i = 0; i < 50; ++i)
+        fifty += "👨‍👩‍👧";
+    host.field.setText(fifty + std::string(70, 'x'));
+    press();
+    host.advance(2s);
+    EXPECT_NE(log().find("[SM] Read: \"" + fifty + "\" (120 chars)\n"), std::string::npos);
+    escape();
+}
+
+TEST_F(TranslationSession, FnListenerReportsStrictlyInTurns) {
+    launch();
+    EXPECT_FALSE(host.keys.releaseFn()) << "a release without a press is not ours";
+    EXPECT_TRUE(host.keys.pressFn());
+    EXPECT_FALSE(host.keys.pressFn()) << "a repeated press passes";
+    EXPECT_FALSE(host.keys.changeFlags(56, platform::flag::secondaryFn)) << "Shift passes";
+    host.keys.disableTap();
+    EXPECT_TRUE(host.keys.releaseFn()) << "the tap was enabled again";
+    EXPECT_FALSE(host.keys.releaseFn());
+}
+
+TEST_F(TranslationSession, StartsWithoutPermissionAndSaysSo) {
+    host.keys.isPermitted = false;
+    testing::internal::CaptureStdout();
+    machine->setup();
+    host.advance(1s);
+    const std::string messages = "[SM] setup()\n[Hotkey] Starting CGEvent Tap (HID level)...\n"
+                                 "[Hotkey] Failed to create event tap — check Accessibility permissions\n"
+                                 "[LLM] Connection pre-warmed\n";
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), messages);
+    EXPECT_TRUE(bytesOf(dataFile("debug.log")).starts_with("[2026-11-16T18:35:58Z] [SM] setup()\n"));
+    EXPECT_FALSE(host.keys.pressFn());
+}
+
+TEST_F(TranslationSession, WarmsUpOnlyInAIMode) {
+    KeychainManager::saveMode(TranslationMode::free);
+    machine->setup();
+    machine->currentMode = TranslationMode::ai;
+    host.advance(1s);
+    EXPECT_TRUE(host.network.requests.empty());
+    KeychainManager::saveMode(TranslationMode::ai);
+    std::make_shared<TranslationStateMachine>()->setup();
+    host.advance(1s);
+    ASSERT_EQ(host.network.requests.size(), 1U);
+    EXPECT_EQ(host.network.requests[0].method, "HEAD");
+    EXPECT_EQ(host.network.requests[0].url, "https://localhost:8443/v1/translate");
+}
+
+TEST_F(TranslationSession, PublishesEachStateBeforeItReadsBack) {
+    launch();
+    std::vector<TranslationState> announced;
+    auto subscription = machine->state.subscribe([&](TranslationState next) {
+        if (!announced.empty()) {
+            EXPECT_EQ(machine->state.value(), announced.back());
+        }
+        announced.push_back(next);
+    });
+    translate();
+    using enum TranslationState;
+    EXPECT_EQ(announced, (std::vector{idle, reading, translating, preview, idle}));
+}
+
+TEST_F(TranslationSession, AbandonedReadPutsTheClipboardBack) {
+    TextManager manager;
+    auto read = [](TextManager& texts) -> platform::Task<void> { co_await texts.readCurrentText(); };
+    for (auto moment : {20ms, 70ms, 120ms, 160ms}) {
+        host.field.setText("请报价");
+        auto task = spawn(host.clock, read(manager));
+        host.advance(moment);
+        EXPECT_NE(host.pasteboard.items, usersClipboard);
+        task.cancel();
+        host.advance(0ms);
+        EXPECT_EQ(host.pasteboard.items, usersClipboard);
+    }
+}
