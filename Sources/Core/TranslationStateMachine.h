@@ -44,7 +44,6 @@ private:
 
     static platform::Task<void> runSession(Self self, unsigned number);
     static platform::Task<void> translate(Self self, unsigned number);
-    static platform::Task<void> fail(Self self, unsigned number, std::string description);
     static platform::Task<void> confirmWhenDone(Self self, unsigned number);
     static platform::Task<void> inject(Self self);
 
