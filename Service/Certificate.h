@@ -1,0 +1,22 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+
+namespace lumarin::service {
+
+// Where a certificate and its private key stand, both in PEM form.
+struct CertificateFiles {
+    std::filesystem::path certificate;
+    std::filesystem::path key;
+};
+
+// Sees to it that a usable certificate stands in `path`, with its key beside it under the same name
+// ending in .key. A missing pair is made, for localhost and the loopback addresses; one made here earlier is
+// made again when it is broken or about to expire. Files that were not made here are never written over.
+// Throws std::runtime_error with one sentence when there is no usable pair in the end.
+CertificateFiles
+ensureCertificate(const std::filesystem::path& path,
+                  std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
+
+} // namespace lumarin::service

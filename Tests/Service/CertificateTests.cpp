@@ -1,0 +1,81 @@
+#include "Service/Certificate.h"
+
+#include "Service/Handles.h"
+#include "Support/Files.h"
+
+#include <gtest/gtest.h>
+#include <openssl/pem.h>
+#include <openssl/x509v3.h>
+
+using namespace lumarin::service;
+using namespace tests;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr std::chrono::days year{365};
+
+struct CertificateTest : testing::Test {
+    // The bytes of both files.
+    std::pair<std::string, std::string> ensure(std::chrono::system_clock::time_point now = today) {
+        auto files = ensureCertificate(certificate, now);
+        EXPECT_EQ(files.certificate, certificate);
+        EXPECT_EQ(files.key, key);
+        return {bytesOf(certificate), bytesOf(key)};
+    }
+
+    static inline const auto today = std::chrono::system_clock::now();
+    TemporaryFolder folder;
+    std::filesystem::path certificate = folder / "a/b/service.pem";
+    std::filesystem::path key = folder / "a/b/service.key";
+};
+
+} // namespace
+
+TEST_F(CertificateTest, IsMadePrivateAndKept) {
+    auto made = ensure();
+    EXPECT_EQ(permissionsOf(key), 0600U);
+    EXPECT_EQ(permissionsOf(folder / "a"), 0700U);
+    EXPECT_EQ(ensure(), made);
+    EXPECT_EQ(ensure(today + 9 * year), made);
+}
+
+// HTTP clients differ in how closely they look.
+TEST_F(CertificateTest, IsForTheLoopbackAndNothingElse) {
+    auto pem = ensure().first;
+    Bio bio(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
+    X509Certificate made(PEM_read_bio_X509(bio.get(), nullptr, nullptr, nullptr));
+    ASSERT_TRUE(made);
+    EXPECT_EQ(X509_check_host(made.get(), "localhost", 0, 0, nullptr), 1);
+    EXPECT_EQ(X509_check_ip_asc(made.get(), "127.0.0.1", 0), 1);
+    EXPECT_EQ(X509_check_ip_asc(made.get(), "::1", 0), 1);
+    EXPECT_EQ(X509_check_host(made.get(), "example.com", 0, 0, nullptr), 0);
+    EXPECT_EQ(X509_check_ca(made.get()), 0);
+}
+
+TEST_F(CertificateTest, IsMadeAgainWhenItIsOfNoMoreUse) {
+    auto made = ensure();
+    auto later = ensure(today + 10 * year - 1h);
+    EXPECT_NE(later, made);
+    // The key of another certificate, none, a broken one.
+    writeFile(key, made.second);
+    EXPECT_NE(ensure().first, later.first);
+    std::filesystem::remove(key);
+    EXPECT_FALSE(ensure().second.empty());
+    writeFile(key, "broken");
+    EXPECT_NE(ensure().second, "broken");
+    EXPECT_EQ(permissionsOf(key), 0600U);
+}
+
+TEST_F(CertificateTest, NeverWritesOverSomebodyElsesFiles) {
+    auto [ours, oursKey] = ensure();
+    const std::pair<std::string, std::string> cases[] = {{"notes", ""}, {"", oursKey}, {"notes", oursKey}};
+    for (const auto& pair : cases) {
+        writeFile(certificate, pair.first);
+        writeFile(key, pair.second);
+        EXPECT_THROW(ensure(), std::runtime_error);
+        EXPECT_EQ(bytesOf(certificate), pair.first);
+        EXPECT_EQ(bytesOf(key), pair.second);
+    }
+    EXPECT_THROW(ensureCertificate(key), std::runtime_error);
+}
