@@ -1,0 +1,85 @@
+#include "Platform/Desktop/ActiveWindow.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <climits>
+#include <unistd.h>
+
+namespace platform::desktop {
+
+namespace {
+
+// Applications put their properties on a window of their own, which a window manager may have put into
+// another.
+xcb_window_t topLevelAround(const XConnection& x, xcb_window_t window) {
+    xcb_window_t topLevel = XCB_NONE;
+    while (window != XCB_NONE && window != x.root()) {
+        topLevel = window;
+        if (x.property(window, XCB_ATOM_WM_CLASS))
+            return window;
+        auto tree = x.reply(xcb_query_tree_reply, xcb_query_tree(x, window));
+        window = tree ? tree->parent : XCB_NONE;
+    }
+    return topLevel;
+}
+
+std::string ownMachine() {
+    std::string name(HOST_NAME_MAX + 1, '\0');
+    if (gethostname(name.data(), name.size()) != 0)
+        return {};
+    return name.c_str();
+}
+
+} // namespace
+
+xcb_window_t activeWindow(const XConnection& x) {
+    if (auto active = x.propertyValue(x.root(), "_NET_ACTIVE_WINDOW"); active && *active != XCB_NONE)
+        return *active;
+    auto focus = x.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x));
+    if (!focus || focus->focus == XCB_INPUT_FOCUS_NONE)
+        return XCB_NONE;
+    if (focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT && focus->focus != x.root())
+        return topLevelAround(x, focus->focus);
+    auto pointer = x.reply(xcb_query_pointer_reply, xcb_query_pointer(x, x.root()));
+    return pointer ? pointer->child : xcb_window_t{XCB_NONE};
+}
+
+WindowClass windowClassOf(const XConnection& x, xcb_window_t window) {
+    auto property = x.property(window, XCB_ATOM_WM_CLASS);
+    if (!property)
+        return {};
+    auto& names = property->bytes;
+    auto split = names.find('\0');
+    if (split == std::string::npos)
+        return {names, {}};
+    // Both names end with a zero.
+    return {names.substr(0, split), names.c_str() + split + 1};
+}
+
+std::optional<pid_t> processOf(const XConnection& x, xcb_window_t window) {
+    auto process = x.propertyValue(window, "_NET_WM_PID");
+    if (!process)
+        return std::nullopt;
+    auto machine = x.property(window, XCB_ATOM_WM_CLIENT_MACHINE);
+    if (machine && std::string(machine->bytes.c_str()) != ownMachine())
+        return std::nullopt;
+    return static_cast<pid_t>(*process);
+}
+
+std::optional<std::string> programOf(pid_t process) {
+    // The kernel keeps the first 15 bytes of the name.
+    constexpr std::size_t kept = 15;
+    auto folder = std::filesystem::path("/proc") / std::to_string(process);
+    std::string name;
+    if (std::ifstream file(folder / "comm"); !std::getline(file, name) || name.empty())
+        return std::nullopt;
+    std::error_code error;
+    if (name.size() == kept) {
+        if (auto program = std::filesystem::read_symlink(folder / "exe", error); !error)
+            return program.filename().string();
+    }
+    return name;
+}
+
+} // namespace platform::desktop

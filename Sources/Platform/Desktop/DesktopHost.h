@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Platform/Desktop/DesktopKeyboard.h"
+#include "Platform/Desktop/DesktopPasteboard.h"
+#include "Platform/Desktop/DesktopStatusBar.h"
+#include "Platform/Desktop/DesktopWorkspace.h"
+#include "Platform/Desktop/QtRunLoop.h"
+#include "Platform/Desktop/TerminationSignals.h"
+#include "Platform/Foundation/ThreadRunLoop.h"
+#include "Platform/Host.h"
+
+class QApplication;
+
+namespace platform::desktop {
+
+// A Linux desktop: Qt 6 and X11. Made and dropped on the main thread. When the display goes away the program
+// ends with a sentence on standard error and status 1.
+class DesktopHost : public Host {
+public:
+    // Throws DisplayError. The arguments are Qt's and outlive the host.
+    DesktopHost(int& argumentCount, char** arguments);
+    ~DesktopHost() override;
+
+    Application& application() override { return app; }
+    StatusBar& statusBar() override { return bar; }
+    void runEventLoop() override;
+    void endEventLoop() override;
+    RunLoop& mainRunLoop() override { return *runLoop; }
+    Executor& backgroundExecutor() override { return worker.runLoop(); }
+    Keyboard& keyboard() override { return *keys; }
+    Pasteboard& generalPasteboard() override { return pasteboard; }
+    Workspace& workspace() override { return applications; }
+    bool isProcessTrusted() override;
+    const Directories& directories() override { return folders; }
+    const Bundle& mainBundle() override { return bundle; }
+    UserDefaults& userDefaults() override { return defaults; }
+    NotificationCenter& notificationCenter() override { return notifications; }
+    std::vector<std::string> preferredLanguages() override;
+    std::shared_ptr<HTTPSession> makeHTTPSession(HTTPSessionConfiguration configuration) override;
+
+private:
+    // First: no thread may be there before it.
+    TerminationSignals signals;
+    // Next: without a display Qt would end the program in its own way.
+    XConnection display;
+    std::unique_ptr<QApplication> qt;
+    std::unique_ptr<QtRunLoop> runLoop;
+    PostedKeys postedKeys;
+    std::unique_ptr<DesktopKeyboard> keys;
+    DesktopPasteboard pasteboard{postedKeys};
+    DesktopWorkspace applications;
+    const Directories folders;
+    const Bundle bundle;
+    DesktopStatusBar bar{bundle};
+    Application app;
+    UserDefaults defaults;
+    NotificationCenter notifications;
+    // Last: its thread uses what stands above.
+    WorkerThread worker;
+};
+
+} // namespace platform::desktop

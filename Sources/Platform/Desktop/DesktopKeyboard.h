@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Platform/Desktop/KeyPoster.h"
+#include "Platform/Desktop/KeyWatch.h"
+#include "Platform/Input/Keyboard.h"
+
+namespace platform::desktop {
+
+// The keys of an X11 session. Fn is the key of that name, or else Right Control; Command is Control.
+class DesktopKeyboard : public Keyboard {
+public:
+    // `mainRunLoop` is where monitors are called.
+    DesktopKeyboard(const XConnection& display, RunLoop& mainRunLoop, PostedKeys& postedKeys)
+        : mainLoop(mainRunLoop),
+          injector(display),
+          watch(display, injector),
+          poster(display, injector, postedKeys) {}
+
+    std::unique_ptr<EventTap> createEventTap(EventMask events, EventTap::Callback callback) override;
+    std::unique_ptr<EventMonitor> addGlobalMonitor(EventMask events,
+                                                   std::function<void(const KeyEvent&)> handler) override;
+    void post(const KeyEvent& event) override;
+
+private:
+    RunLoop& mainLoop;
+    KeyInjector injector;
+    KeyWatch watch;
+    KeyPoster poster;
+};
+
+} // namespace platform::desktop

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Platform/Desktop/ApplicationNames.h"
+#include "Platform/Input/Workspace.h"
+
+namespace platform::desktop {
+
+// The applications of an X11 session, each told by a window of its.
+class DesktopWorkspace : public Workspace {
+public:
+    DesktopWorkspace(const XConnection& display, ApplicationNames applicationNames)
+        : x(display), names(std::move(applicationNames)) {}
+
+    std::optional<RunningApplication> frontmostApplication() override;
+    void activate(const RunningApplication& application) override;
+
+private:
+    std::optional<std::string> nameOf(xcb_window_t window, std::optional<pid_t> process);
+
+    const XConnection& x;
+    ApplicationNames names;
+};
+
+} // namespace platform::desktop

@@ -1,0 +1,71 @@
+#include "Platform/Desktop/KeyPoster.h"
+
+#include "Platform/Desktop/ActiveWindow.h"
+
+namespace platform::desktop {
+
+namespace {
+
+ClipboardEffect effectOf(const KeyEvent& event) {
+    if (event.flags != flag::command)
+        return ClipboardEffect::none;
+    if (event.keyCode == key::c)
+        return ClipboardEffect::copy;
+    return event.keyCode == key::v ? ClipboardEffect::paste : ClipboardEffect::none;
+}
+
+} // namespace
+
+void KeyPoster::post(const KeyEvent& event, const KeyMap& map) {
+    if (event.type != EventType::keyDown)
+        return;
+    auto window = activeWindow(x);
+    auto terminal = terminalKeysOfWindow(window);
+    auto chord = terminal ? chordInTerminal(*terminal, event, map) : chordFor(event, map);
+    if (!chord)
+        return;
+    // First: the application may answer before the call below returns.
+    postedKeys.record(effectOf(event), window);
+    injector.type(chord->key, chord->modifiers, map);
+}
+
+std::optional<TerminalKeys> KeyPoster::terminalKeysOfWindow(xcb_window_t window) const {
+    if (window == XCB_NONE)
+        return std::nullopt;
+    auto windowClass = windowClassOf(x, window);
+    std::vector<std::string> names{windowClass.name, windowClass.instance};
+    if (auto process = processOf(x, window)) {
+        if (auto program = programOf(*process))
+            names.push_back(*program);
+    }
+    return terminalKeysOf(names);
+}
+
+std::optional<KeyPoster::Chord> KeyPoster::chordFor(const KeyEvent& event, const KeyMap& map) const {
+    auto code = map.keyFor(event.keyCode, map.currentGroup());
+    if (!code)
+        return std::nullopt;
+    if ((event.flags & flag::command) == 0)
+        return Chord{*code, {}};
+    if (!map.controlKey())
+        return std::nullopt;
+    return Chord{*code, {*map.controlKey()}};
+}
+
+std::optional<KeyPoster::Chord> KeyPoster::chordInTerminal(TerminalKeys keys, const KeyEvent& event,
+                                                           const KeyMap& map) const {
+    auto effect = effectOf(event);
+    if (effect == ClipboardEffect::none || keys == TerminalKeys::none || !map.controlKey() || !map.shiftKey())
+        return std::nullopt;
+    std::vector<KeyCode> control{*map.controlKey()};
+    std::vector<KeyCode> controlShift{*map.controlKey(), *map.shiftKey()};
+    if (keys == TerminalKeys::insert) {
+        if (!map.insertKey())
+            return std::nullopt;
+        return Chord{*map.insertKey(), effect == ClipboardEffect::copy ? control : controlShift};
+    }
+    auto code = map.keyFor(event.keyCode, map.currentGroup());
+    return code ? std::optional(Chord{*code, controlShift}) : std::nullopt;
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Platform/Desktop/KeyInjector.h"
+#include "Platform/Desktop/PostedKeys.h"
+#include "Platform/Desktop/TerminalKeys.h"
+#include "Platform/Input/KeyEvent.h"
+
+namespace platform::desktop {
+
+// Turns the layer's key events into what the front application understands. Any thread.
+class KeyPoster {
+public:
+    KeyPoster(const XConnection& display, KeyInjector& keyInjector, PostedKeys& record)
+        : x(display), injector(keyInjector), postedKeys(record) {}
+
+    // A combination is typed as a whole with its key-down event, so that it is never left half-way; the
+    // key-up event adds nothing. What could interrupt a terminal's program is skipped.
+    void post(const KeyEvent& event, const KeyMap& map);
+
+private:
+    struct Chord {
+        KeyCode key;
+        std::vector<KeyCode> modifiers;
+    };
+
+    std::optional<TerminalKeys> terminalKeysOfWindow(xcb_window_t window) const;
+    std::optional<Chord> chordFor(const KeyEvent& event, const KeyMap& map) const;
+    std::optional<Chord> chordInTerminal(TerminalKeys keys, const KeyEvent& event, const KeyMap& map) const;
+
+    const XConnection& x;
+    KeyInjector& injector;
+    PostedKeys& postedKeys;
+};
+
+} // namespace platform::desktop

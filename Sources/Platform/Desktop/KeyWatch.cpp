@@ -1,0 +1,274 @@
+#include "Platform/Desktop/KeyWatch.h"
+
+#include <algorithm>
+#include <array>
+
+#include <xcb/xtest.h>
+
+namespace platform::desktop {
+
+namespace {
+
+constexpr KeyEvent functionDown{EventType::flagsChanged, key::function, flag::secondaryFn};
+constexpr KeyEvent functionUp{EventType::flagsChanged, key::function, 0};
+
+} // namespace
+
+bool KeyWatch::isPossible(const XConnection& x) {
+    const auto* typing = xcb_get_extension_data(x, &xcb_test_id);
+    const auto* input = xcb_get_extension_data(x, &xcb_input_id);
+    if (!typing || !typing->present || !input || !input->present)
+        return false;
+    // Before 2.1 raw events stay away while any program has grabbed the keyboard.
+    auto version = x.reply(xcb_input_xi_query_version_reply, xcb_input_xi_query_version(x, 2, 2));
+    return version
+           && (version->major_version > 2 || (version->major_version == 2 && version->minor_version >= 1));
+}
+
+KeyWatch::KeyWatch(const XConnection& display, KeyInjector& account)
+    : x(display), injector(account), mailbox(display.makeHiddenWindow()), spareKeys(display) {
+    if (!isPossible(x))
+        return;
+    inputExtension = xcb_get_extension_data(x, &xcb_input_id)->major_opcode;
+    map = readKeyMap();
+    thread = std::thread([this] { run(); });
+}
+
+KeyWatch::~KeyWatch() {
+    if (thread.joinable()) {
+        xcb_client_message_event_t end{};
+        end.response_type = XCB_CLIENT_MESSAGE;
+        end.format = 32;
+        end.window = mailbox;
+        end.type = XCB_ATOM_INTEGER;
+        std::array<char, 32> message{};
+        std::copy_n(reinterpret_cast<const char*>(&end), sizeof end, message.data());
+        xcb_send_event(x, 0, mailbox, XCB_EVENT_MASK_NO_EVENT, message.data());
+        x.flush();
+        thread.join();
+    }
+    xcb_destroy_window(x, mailbox);
+    x.flush();
+}
+
+std::shared_ptr<const KeyMap> KeyWatch::keyMap() const {
+    std::lock_guard lock(mutex);
+    return map;
+}
+
+bool KeyWatch::grabFunctionKey(std::shared_ptr<const Listener> listener) {
+    std::lock_guard lock(mutex);
+    if (tap || !map || !map->functionKey() || !grab(*map->functionKey()))
+        return false;
+    tap = std::move(listener);
+    chooseRawEvents();
+    return true;
+}
+
+void KeyWatch::ungrabFunctionKey() {
+    std::lock_guard lock(mutex);
+    if (grabbed)
+        ungrab(*grabbed);
+    tap = nullptr;
+    chooseRawEvents();
+}
+
+void KeyWatch::addMonitor(const std::shared_ptr<const Listener>& listener) {
+    std::lock_guard lock(mutex);
+    monitors.push_back(listener);
+    chooseRawEvents();
+}
+
+void KeyWatch::removeMonitor(const std::shared_ptr<const Listener>& listener) {
+    std::lock_guard lock(mutex);
+    std::erase(monitors, listener);
+    chooseRawEvents();
+}
+
+void KeyWatch::run() {
+    while (true) {
+        XOwned<xcb_generic_event_t> event(xcb_poll_for_event(x));
+        if (!event) {
+            // A change of the map comes as a burst of events.
+            if (mapIsStale)
+                renewKeyMap();
+            event.reset(xcb_wait_for_event(x));
+        }
+        if (!event)
+            endForLostDisplay();
+        if ((event->response_type & 0x7FU) == XCB_CLIENT_MESSAGE)
+            return;
+        handle(*event);
+    }
+}
+
+void KeyWatch::handle(const xcb_generic_event_t& event) {
+    auto type = event.response_type & 0x7FU;
+    if (type == XCB_KEY_PRESS) {
+        handleGrabbedPress(event.pad0, event.full_sequence);
+    } else if (type == XCB_KEY_RELEASE) {
+        handleGrabbedRelease(event.pad0, event.full_sequence);
+    } else if (type == XCB_GE_GENERIC) {
+        const auto& input = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
+        bool isRawKey =
+            input.event_type == XCB_INPUT_RAW_KEY_PRESS || input.event_type == XCB_INPUT_RAW_KEY_RELEASE;
+        if (input.extension == inputExtension && isRawKey)
+            handleRawKey(input);
+    } else if (type == XCB_MAPPING_NOTIFY) {
+        mapIsStale = true;
+    }
+}
+
+void KeyWatch::handleGrabbedPress(KeyCode code, std::uint32_t sequence) {
+    if (!isGrabbed(code)) {
+        // Typed in the moment before the keyboard was let go: it belongs to the application.
+        if (injector.isFromUser({sequence, code, true}))
+            injector.pressAgain(code);
+        return;
+    }
+    // The key is up for everyone else until the user presses it again: Right Control must not turn what is
+    // typed during the hold into combinations, and its release is as invisible as its press. Also ends the
+    // grab.
+    injector.lift(code);
+    xcb_ungrab_keyboard(x, XCB_CURRENT_TIME);
+    x.flush();
+    // Repeats of a held key, where the keyboard repeats it.
+    if (held)
+        return;
+    held = Held{code, pressingDevice};
+    std::shared_ptr<const Listener> listener;
+    {
+        std::lock_guard lock(mutex);
+        listener = tap;
+    }
+    if (listener)
+        (*listener)(functionDown);
+}
+
+// Until the keyboard has been let go, keys come here alone and without raw events: the end of a quick tap.
+void KeyWatch::handleGrabbedRelease(KeyCode code, std::uint32_t sequence) {
+    if (injector.isFromUser({sequence, code, false}))
+        handleUsersRelease(code);
+}
+
+void KeyWatch::handleRawKey(const xcb_input_raw_key_press_event_t& event) {
+    const auto code = static_cast<KeyCode>(event.detail);
+    const bool isPress = event.event_type == XCB_INPUT_RAW_KEY_PRESS;
+    if (!injector.isFromUser({event.full_sequence, code, isPress}, event.sourceid))
+        return;
+    if (!isPress) {
+        handleUsersRelease(code);
+        return;
+    }
+    pressingDevice = event.sourceid;
+    // Where a release was missed, the next key brings it to light.
+    if (held && held->code != code && !isStillHeld())
+        reportRelease();
+    std::vector<std::shared_ptr<const Listener>> listeners;
+    std::optional<int> pressed;
+    {
+        std::lock_guard lock(mutex);
+        listeners = monitors;
+        if (map && !listeners.empty())
+            pressed = map->virtualKeyOf(code);
+    }
+    for (const auto& listener : listeners) {
+        if (pressed)
+            (*listener)(KeyEvent{EventType::keyDown, *pressed});
+    }
+}
+
+void KeyWatch::handleUsersRelease(KeyCode code) {
+    if (held && held->code == code)
+        reportRelease();
+}
+
+void KeyWatch::reportRelease() {
+    held.reset();
+    std::shared_ptr<const Listener> listener;
+    {
+        std::lock_guard lock(mutex);
+        listener = tap;
+    }
+    if (listener)
+        (*listener)(functionUp);
+}
+
+bool KeyWatch::isGrabbed(KeyCode code) const {
+    std::lock_guard lock(mutex);
+    return grabbed == code;
+}
+
+bool KeyWatch::isStillHeld() const {
+    if (injector.isOwnDevice(held->device))
+        return true;
+    auto state = x.reply(xcb_input_query_device_state_reply,
+                         xcb_input_query_device_state(x, static_cast<std::uint8_t>(held->device)));
+    // A keyboard that was unplugged.
+    if (!state)
+        return false;
+    for (auto part = xcb_input_query_device_state_classes_iterator(state.get()); part.rem > 0;
+         xcb_input_input_state_next(&part)) {
+        if (part.data->class_id == XCB_INPUT_INPUT_CLASS_KEY) {
+            const auto* keys = reinterpret_cast<const xcb_input_key_state_t*>(part.data)->keys;
+            return (keys[held->code / 8] >> (held->code % 8U) & 1U) != 0;
+        }
+    }
+    return false;
+}
+
+std::shared_ptr<const KeyMap> KeyWatch::readKeyMap() {
+    auto read = KeyMap::read(mapDisplay);
+    return read && spareKeys.provide(*read) ? KeyMap::read(mapDisplay) : read;
+}
+
+void KeyWatch::renewKeyMap() {
+    mapIsStale = false;
+    auto renewed = readKeyMap();
+    if (!renewed)
+        return;
+    std::lock_guard lock(mutex);
+    map = std::move(renewed);
+    if (!tap || grabbed == map->functionKey())
+        return;
+    if (grabbed)
+        ungrab(*grabbed);
+    if (map->functionKey())
+        grab(*map->functionKey());
+}
+
+bool KeyWatch::grab(KeyCode code) {
+    auto request = xcb_grab_key_checked(x, 0, x.root(), XCB_MOD_MASK_ANY, code, XCB_GRAB_MODE_ASYNC,
+                                        XCB_GRAB_MODE_ASYNC);
+    if (x.errorOf(request) != 0)
+        return false;
+    grabbed = code;
+    return true;
+}
+
+void KeyWatch::ungrab(KeyCode code) {
+    // Who presses the key from here on, presses it for the applications.
+    x.errorOf(xcb_ungrab_key_checked(x, code, x.root(), XCB_MOD_MASK_ANY));
+    grabbed.reset();
+}
+
+void KeyWatch::chooseRawEvents() {
+    bool wanted = tap || !monitors.empty();
+    if (wanted == hearsRawEvents || inputExtension == 0)
+        return;
+    struct {
+        xcb_input_event_mask_t head;
+        std::uint32_t mask;
+    } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
+                wanted ? XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE
+                       : 0U};
+    xcb_input_xi_select_events(x, x.root(), 1, &selection.head);
+    x.flush();
+    hearsRawEvents = wanted;
+    if (wanted)
+        injector.startAccount();
+    else
+        injector.endAccount();
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,35 @@
+#include "Desktop/PhysicalKeyboard.h"
+
+#include <stdexcept>
+#include <string_view>
+
+#include <xcb/xtest.h>
+
+namespace tests {
+namespace {
+
+std::uint8_t physicalDevice(const platform::desktop::XConnection& x) {
+    const auto devices =
+        x.reply(xcb_input_xi_query_device_reply, xcb_input_xi_query_device(x, XCB_INPUT_DEVICE_ALL));
+    auto each = xcb_input_xi_query_device_infos_iterator(devices.get());
+    for (; each.rem > 0; xcb_input_xi_device_info_next(&each)) {
+        const std::string_view name(xcb_input_xi_device_info_name(each.data), each.data->name_len);
+        if (each.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_KEYBOARD && name.find("XTEST") == name.npos)
+            return static_cast<std::uint8_t>(each.data->deviceid);
+    }
+    throw std::runtime_error("The display has no keyboard");
+}
+
+} // namespace
+
+PhysicalKeyboard::PhysicalKeyboard()
+    : firstEvent(xcb_get_extension_data(x, &xcb_input_id)->first_event), device(physicalDevice(x)) {}
+
+void PhysicalKeyboard::change(int code, bool isPress) const {
+    const auto event = firstEvent + (isPress ? XCB_INPUT_DEVICE_KEY_PRESS : XCB_INPUT_DEVICE_KEY_RELEASE);
+    xcb_test_fake_input(x, static_cast<std::uint8_t>(event), static_cast<std::uint8_t>(code),
+                        XCB_CURRENT_TIME, XCB_NONE, 0, 0, device);
+    static_cast<void>(x.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x)));
+}
+
+} // namespace tests

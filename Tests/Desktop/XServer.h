@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Desktop/DisplayProcess.h"
+
+namespace tests {
+
+// An X server of the test's own, which the variable DISPLAY names from then on. Held keys repeat soon.
+class XServer {
+public:
+    XServer();
+
+    const std::string& name() const { return display; }
+
+    // It dies; so does everything that hangs on it.
+    void end();
+
+private:
+    DisplayProcess process;
+    std::string display;
+};
+
+} // namespace tests
