@@ -36,8 +36,16 @@ protected:
 
     // The result, or the error's printed form.
     std::string translate(const LLMTranslator::ChunkHandler& onChunk = [](const std::string&) {}) {
-        std::promise<std::string> result;
-        task.emplace(spawn(caller.runLoop(), translateInto(onChunk, &result)));
+        start(onChunk);
+        return outcome();
+    }
+
+    void start(const LLMTranslator::ChunkHandler& onChunk) {
+        result = {};
+        task.emplace(spawn(caller.runLoop(), translateInto(onChunk)));
+    }
+
+    std::string outcome() {
         auto future = result.get_future();
         return future.wait_for(20s) == std::future_status::ready ? future.get() : "hangs";
     }
@@ -48,11 +56,11 @@ protected:
     std::optional<NetworkHost> host;
     std::optional<LLMTranslator> translator;
     std::optional<platform::TaskHandle> task;
+    std::promise<std::string> result;
     platform::WorkerThread caller;
 
 private:
-    platform::Task<void> translateInto(LLMTranslator::ChunkHandler onChunk,
-                                       std::promise<std::string>* result) {
+    platform::Task<void> translateInto(LLMTranslator::ChunkHandler onChunk) {
         std::string text;
         try {
             text = co_await translator->translateStream("报价", StylePreset::formal, TargetLanguage::english,
@@ -60,7 +68,7 @@ private:
         } catch (const std::exception& error) {
             text = error.what();
         }
-        result->set_value(text);
+        result.set_value(text);
     }
 };
 
@@ -125,6 +133,7 @@ TEST_P(TranslationStreams, EndWithTheReasonWhenTheServerFails) {
 }
 
 TEST_P(TranslationStreams, CloseTheConnectionWhenCancelled) {
+    std::promise<void> begun;
     std::promise<void> closed;
     serve([&](TLSConnection& connection) {
         connection.readRequest();
@@ -132,6 +141,9 @@ TEST_P(TranslationStreams, CloseTheConnectionWhenCancelled) {
         connection.waitForClose();
         closed.set_value();
     });
-    EXPECT_EQ(translate([&](const std::string&) { task->cancel(); }), "The operation was cancelled.");
+    start([&](const std::string&) { begun.set_value(); });
+    begun.get_future().wait_for(10s);
+    task->cancel();
+    EXPECT_EQ(outcome(), "The operation was cancelled.");
     EXPECT_EQ(closed.get_future().wait_for(10s), std::future_status::ready);
 }

@@ -24,7 +24,8 @@ public:
         });
     }
 
-    // The next value, or nothing at the end. Throws the error the channel ended with, or CancellationError.
+    // The next value, or nothing at the end. Throws, once, the error the channel ended with, or
+    // CancellationError.
     Task<std::optional<T>> next() {
         for (;;) {
             std::shared_ptr<Wait> wait;
@@ -36,7 +37,7 @@ public:
                     co_return value;
                 }
                 if (finished && error)
-                    std::rethrow_exception(error);
+                    std::rethrow_exception(std::move(error));
                 if (finished)
                     co_return std::nullopt;
                 wait = waiting = std::make_shared<Wait>();

@@ -7,11 +7,10 @@ void ThreadRunLoop::post(std::function<void()> work) {
 }
 
 void ThreadRunLoop::postAfter(Duration delay, std::function<void()> work) {
-    {
-        std::lock_guard lock(mutex);
-        auto due = std::chrono::steady_clock::now() + std::chrono::duration_cast<Moment::duration>(delay);
-        queue.emplace(due, std::move(work));
-    }
+    // Notifies before it lets go: the work may be what the owner of this waits for to drop it.
+    std::lock_guard lock(mutex);
+    auto due = std::chrono::steady_clock::now() + std::chrono::duration_cast<Moment::duration>(delay);
+    queue.emplace(due, std::move(work));
     changed.notify_one();
 }
 
@@ -43,10 +42,8 @@ void ThreadRunLoop::run() {
 }
 
 void ThreadRunLoop::stop() {
-    {
-        std::lock_guard lock(mutex);
-        stopping = true;
-    }
+    std::lock_guard lock(mutex);
+    stopping = true;
     changed.notify_one();
 }
 
