@@ -11,6 +11,7 @@
 #include "Platform/Input/Workspace.h"
 #include "Platform/Kit/Application.h"
 #include "Platform/Kit/StatusItem.h"
+#include "Platform/Kit/WindowServer.h"
 
 #include <memory>
 #include <string>
@@ -30,6 +31,7 @@ public:
 
     virtual Application& application() = 0;
     virtual StatusBar& statusBar() = 0;
+    virtual WindowServer& windowServer() = 0;
 
     // Works on the main run loop until `endEventLoop` is called.
     virtual void runEventLoop() = 0;

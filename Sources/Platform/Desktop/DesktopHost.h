@@ -13,6 +13,8 @@ class QApplication;
 
 namespace platform::desktop {
 
+class KeyboardNoticeFilter;
+
 // A Linux desktop: Qt 6 and X11. Made and dropped on the main thread. When the display goes away the program
 // ends with a sentence on standard error and status 1.
 class DesktopHost : public Host {
@@ -23,6 +25,7 @@ public:
 
     Application& application() override { return app; }
     StatusBar& statusBar() override { return bar; }
+    WindowServer& windowServer() override { return *windows; }
     void runEventLoop() override;
     void endEventLoop() override;
     RunLoop& mainRunLoop() override { return *runLoop; }
@@ -44,7 +47,9 @@ private:
     // Next: without a display Qt would end the program in its own way.
     XConnection display;
     std::unique_ptr<QApplication> qt;
+    std::unique_ptr<KeyboardNoticeFilter> keyboardNotices;
     std::unique_ptr<QtRunLoop> runLoop;
+    std::unique_ptr<WindowServer> windows;
     PostedKeys postedKeys;
     std::unique_ptr<DesktopKeyboard> keys;
     DesktopPasteboard pasteboard{postedKeys};

@@ -4,6 +4,7 @@
 #include "Platform/Headless/HeadlessKeyboard.h"
 #include "Platform/Headless/HeadlessPasteboard.h"
 #include "Platform/Headless/HeadlessStatusBar.h"
+#include "Platform/Headless/HeadlessWindowServer.h"
 #include "Platform/Headless/HeadlessWorkspace.h"
 #include "Platform/Headless/ManualRunLoop.h"
 #include "Platform/Headless/ScriptedHTTP.h"
@@ -22,6 +23,8 @@ public:
 
     void advance(Duration duration) { clock.advance(duration); }
 
+    // Before the clock, whose waiting work may hold the last of a window.
+    HeadlessWindowServer windows;
     ManualRunLoop clock;
     HeadlessPasteboard pasteboard;
     FocusedField field{clock, pasteboard};
@@ -36,6 +39,7 @@ public:
 
     Application& application() override { return app; }
     StatusBar& statusBar() override { return bar; }
+    WindowServer& windowServer() override { return windows; }
     // The test is the event loop: it advances the clock.
     void runEventLoop() override { isRunning = true; }
     void endEventLoop() override { isRunning = false; }

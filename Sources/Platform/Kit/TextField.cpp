@@ -1,0 +1,14 @@
+#include "Platform/Kit/TextField.h"
+
+#include "Platform/Kit/Transaction.h"
+
+namespace platform {
+
+TextField::TextField(std::unique_ptr<TextFieldCell> cell) : content(std::move(cell)) {}
+
+void TextField::setBackgroundColor(const Color& color) {
+    const auto transaction = Transaction::withActionsDisabled();
+    layer()->setBackgroundColor(color);
+}
+
+} // namespace platform
