@@ -38,12 +38,12 @@ private:
     std::vector<Milliseconds> values;
 };
 
-void measure(const char* name, bool isPartial, Pauses pauses) {
+void measure(const char* name, KeyboardKind keyboard, bool isPartial, Pauses pauses) {
     const Display display;
     ServiceDouble service;
     // Long enough for the request to be seen apart from the answer.
     service.thinking = 20ms;
-    Person person;
+    Person person(keyboard);
     AcceptanceProgram program(display, service);
     const SlowEditorClient editor(display);
     Times request;
@@ -73,7 +73,13 @@ void measure(const char* name, bool isPartial, Pauses pauses) {
 } // namespace
 
 int main() {
-    measure("A selection", true, {50ms, 200ms});
-    measure("A whole field", false, {200ms, 250ms});
+    constexpr Pauses ofSelection{50ms, 200ms};
+    constexpr Pauses ofWholeField{200ms, 250ms};
+    measure("A selection", KeyboardKind::ofPrograms, true, ofSelection);
+    measure("A whole field", KeyboardKind::ofPrograms, false, ofWholeField);
+    // Here the server gives its keyboard map to everybody anew whenever the program types after the person or
+    // the person after the program, which takes it and them some milliseconds each time.
+    measure("A selection, from a real keyboard", KeyboardKind::physical, true, ofSelection);
+    measure("A whole field, from a real keyboard", KeyboardKind::physical, false, ofWholeField);
     return 0;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Desktop/DisplayProcess.h"
-#include "Desktop/PhysicalKeyboard.h"
+#include "Desktop/TestKeyboard.h"
 
 #include <initializer_list>
 
@@ -25,6 +25,8 @@ enum class Key : std::uint8_t {
 // Somebody at the keyboard of the display.
 class Person {
 public:
+    explicit Person(KeyboardKind kind = KeyboardKind::physical) : keyboard(kind) {}
+
     // The time just before the server gets it.
     Clock::time_point press(Key key) { return change(key, true); }
     Clock::time_point release(Key key) { return change(key, false); }
@@ -35,7 +37,7 @@ public:
 private:
     Clock::time_point change(Key key, bool isPress);
 
-    PhysicalKeyboard keyboard;
+    TestKeyboard keyboard;
 };
 
 } // namespace tests

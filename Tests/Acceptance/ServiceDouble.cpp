@@ -34,8 +34,9 @@ void ServiceDouble::serve(TLSConnection& connection) {
         connection.send(streamHead);
         for (const auto& piece : piecesOf(translationOf(text)))
             connection.send(chunk(deltaLine(piece)));
-        connection.send(chunk("data: [DONE]\n\n") + streamEnd);
+        // Before it is sent: the program may be through with it before this thread goes on.
         answered = Clock::now();
+        connection.send(chunk("data: [DONE]\n\n") + streamEnd);
     }
 }
 

@@ -14,7 +14,7 @@ public:
     std::string url() const { return "https://localhost:" + std::to_string(server.port); }
     std::string authorityPEM() const { return authority.pem(); }
 
-    // When the last request had arrived in full, and when the last byte of the answer to it was sent.
+    // When the last request had arrived in full, and when the end of the answer to it was sent.
     Clock::time_point requestTime() const { return requested; }
     Clock::time_point answerTime() const { return answered; }
 

@@ -63,7 +63,7 @@ protected:
 
 TEST_F(AcceptanceSlowEditor, NeverLosesItsSelectionNorGetsAnOldClipboard) {
     SelectionClient owner({.owned = platform::desktop::SelectionContent::of("the user's").forms});
-    const int rounds = isFullRun() ? 12 : 1;
+    const int rounds = isFullRun() ? 13 : 1;
     int number = 0;
     for (int round = 0; round < rounds; ++round)
         for (auto delay : {0ms, 100ms, 500ms, 900ms})

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Desktop/PhysicalKeyboard.h"
+#include "Desktop/TestKeyboard.h"
 #include "Desktop/XServer.h"
 #include "Platform/Desktop/XConnection.h"
 
@@ -52,7 +52,7 @@ public:
     std::vector<int> keysDown() const;
 
 private:
-    tests::PhysicalKeyboard keyboard;
+    tests::TestKeyboard keyboard;
 };
 
 } // namespace platform::desktop

@@ -12,8 +12,8 @@ public:
     // `mainRunLoop` is where monitors are called.
     DesktopKeyboard(const XConnection& display, RunLoop& mainRunLoop, PostedKeys& postedKeys)
         : mainLoop(mainRunLoop),
-          injector(display),
-          watch(display, injector),
+          injector(keyEvents, display),
+          watch(keyEvents, injector),
           poster(display, injector, postedKeys) {}
 
     std::unique_ptr<EventTap> createEventTap(EventMask events, EventTap::Callback callback) override;
@@ -23,6 +23,8 @@ public:
 
 private:
     RunLoop& mainLoop;
+    // A thread waits on it, so what is asked for on it takes longer.
+    const XConnection keyEvents;
     KeyInjector injector;
     KeyWatch watch;
     KeyPoster poster;

@@ -27,9 +27,11 @@ DesktopPasteboard::DesktopPasteboard(PostedKeys& keys)
         owner.handle(event, change);
         effects.handle(event, byOthers ? change : std::nullopt);
     });
+    postedKeys.observe([this] { thread.post([this] { effects.keyTyped(); }); });
 }
 
 DesktopPasteboard::~DesktopPasteboard() {
+    postedKeys.observe(nullptr);
     std::promise<void> done;
     auto handedOver = done.get_future();
     spawn(thread, handOver(std::move(done)));

@@ -22,7 +22,7 @@ std::bitset<256> keysDown(const XConnection& x) {
 
 void KeyInjector::type(KeyCode code, const std::vector<KeyCode>& modifiers, const KeyMap& map) {
     std::lock_guard lock(mutex);
-    auto down = keysDown(x);
+    auto down = keysDown(questions);
     std::vector<KeyCode> lifted;
     for (auto held : map.modifierKeys()) {
         if (down[held] && std::ranges::find(modifiers, held) == modifiers.end()) {
@@ -56,7 +56,8 @@ void KeyInjector::type(KeyCode code, const std::vector<KeyCode>& modifiers, cons
 void KeyInjector::lift(KeyCode code) {
     std::lock_guard lock(mutex);
     make(code, false);
-    finish();
+    // Tells its event from those of the requests to come, as `finish` does, without waiting for the server.
+    xcb_no_operation(x);
 }
 
 void KeyInjector::pressAgain(KeyCode code) {
@@ -72,7 +73,7 @@ void KeyInjector::pressAgain(KeyCode code) {
 void KeyInjector::startAccount() {
     std::lock_guard lock(mutex);
     keepsAccount = true;
-    heldByUser = keysDown(x);
+    heldByUser = keysDown(questions);
 }
 
 void KeyInjector::endAccount() {

@@ -15,7 +15,8 @@ namespace platform::desktop {
 // here. Any thread.
 class KeyInjector {
 public:
-    explicit KeyInjector(const XConnection& display) : x(display) {}
+    // Types on `events`; `display` is read by nobody and answers sooner.
+    KeyInjector(const XConnection& events, const XConnection& display) : x(events), questions(display) {}
 
     // Presses and releases a key with exactly these modifier keys held; others are lifted meanwhile and put
     // back if the user still holds them. All in one go: nothing can stay pressed half-way.
@@ -52,6 +53,7 @@ private:
     bool wasMadeHere(const Change& change);
 
     const XConnection& x;
+    const XConnection& questions;
     mutable std::mutex mutex;
     bool keepsAccount = false;
     std::deque<Change> made;

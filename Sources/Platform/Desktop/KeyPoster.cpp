@@ -6,6 +6,8 @@ namespace platform::desktop {
 
 namespace {
 
+using namespace std::chrono_literals;
+
 ClipboardEffect effectOf(const KeyEvent& event) {
     if (event.flags != flag::command)
         return ClipboardEffect::none;
@@ -20,25 +22,35 @@ void KeyPoster::post(const KeyEvent& event, const KeyMap& map) {
     if (event.type != EventType::keyDown)
         return;
     auto window = activeWindow(x);
-    auto terminal = terminalKeysOfWindow(window);
+    auto terminal = terminalKeysOf(window);
     auto chord = terminal ? chordInTerminal(*terminal, event, map) : chordFor(event, map);
     if (!chord)
         return;
     // First: the application may answer before the call below returns.
     postedKeys.record(effectOf(event), window);
     injector.type(chord->key, chord->modifiers, map);
+    postedKeys.reportTyped();
 }
 
-std::optional<TerminalKeys> KeyPoster::terminalKeysOfWindow(xcb_window_t window) const {
+std::optional<TerminalKeys> KeyPoster::terminalKeysOf(xcb_window_t window) {
+    constexpr auto keeps = 1s;
     if (window == XCB_NONE)
         return std::nullopt;
+    std::lock_guard lock(mutex);
+    auto now = std::chrono::steady_clock::now();
+    if (!last || last->window != window || last->since + keeps < now)
+        last = FrontWindow{window, now, desktop::terminalKeysOf(namesOf(window))};
+    return last->terminal;
+}
+
+std::vector<std::string> KeyPoster::namesOf(xcb_window_t window) const {
     auto windowClass = windowClassOf(x, window);
     std::vector<std::string> names{windowClass.name, windowClass.instance};
     if (auto process = processOf(x, window)) {
         if (auto program = programOf(*process))
             names.push_back(*program);
     }
-    return terminalKeysOf(names);
+    return names;
 }
 
 std::optional<KeyPoster::Chord> KeyPoster::chordFor(const KeyEvent& event, const KeyMap& map) const {

@@ -23,13 +23,23 @@ private:
         std::vector<KeyCode> modifiers;
     };
 
-    std::optional<TerminalKeys> terminalKeysOfWindow(xcb_window_t window) const;
+    // What is known of the window that had the keyboard last; asked for anew with each gesture.
+    struct FrontWindow {
+        xcb_window_t window;
+        std::chrono::steady_clock::time_point since;
+        std::optional<TerminalKeys> terminal;
+    };
+
+    std::optional<TerminalKeys> terminalKeysOf(xcb_window_t window);
+    std::vector<std::string> namesOf(xcb_window_t window) const;
     std::optional<Chord> chordFor(const KeyEvent& event, const KeyMap& map) const;
     std::optional<Chord> chordInTerminal(TerminalKeys keys, const KeyEvent& event, const KeyMap& map) const;
 
     const XConnection& x;
     KeyInjector& injector;
     PostedKeys& postedKeys;
+    std::mutex mutex;
+    std::optional<FrontWindow> last;
 };
 
 } // namespace platform::desktop

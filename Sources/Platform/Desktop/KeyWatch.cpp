@@ -9,6 +9,8 @@ namespace platform::desktop {
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr KeyEvent functionDown{EventType::flagsChanged, key::function, flag::secondaryFn};
 constexpr KeyEvent functionUp{EventType::flagsChanged, key::function, 0};
 
@@ -25,8 +27,8 @@ bool KeyWatch::isPossible(const XConnection& x) {
            && (version->major_version > 2 || (version->major_version == 2 && version->minor_version >= 1));
 }
 
-KeyWatch::KeyWatch(const XConnection& display, KeyInjector& account)
-    : x(display), injector(account), mailbox(display.makeHiddenWindow()), spareKeys(display) {
+KeyWatch::KeyWatch(const XConnection& events, KeyInjector& account)
+    : x(events), injector(account), mailbox(events.makeHiddenWindow()), spareKeys(mapDisplay) {
     if (!isPossible(x))
         return;
     inputExtension = xcb_get_extension_data(x, &xcb_input_id)->major_opcode;
@@ -87,13 +89,7 @@ void KeyWatch::removeMonitor(const std::shared_ptr<const Listener>& listener) {
 
 void KeyWatch::run() {
     while (true) {
-        XOwned<xcb_generic_event_t> event(xcb_poll_for_event(x));
-        if (!event) {
-            // A change of the map comes as a burst of events.
-            if (mapIsStale)
-                renewKeyMap();
-            event.reset(xcb_wait_for_event(x));
-        }
+        XOwned<xcb_generic_event_t> event(xcb_wait_for_event(x));
         if (!event)
             endForLostDisplay();
         if ((event->response_type & 0x7FU) == XCB_CLIENT_MESSAGE)
@@ -115,7 +111,7 @@ void KeyWatch::handle(const xcb_generic_event_t& event) {
         if (input.extension == inputExtension && isRawKey)
             handleRawKey(input);
     } else if (type == XCB_MAPPING_NOTIFY) {
-        mapIsStale = true;
+        keyMapChanged();
     }
 }
 
@@ -222,8 +218,17 @@ std::shared_ptr<const KeyMap> KeyWatch::readKeyMap() {
     return read && spareKeys.provide(*read) ? KeyMap::read(mapDisplay) : read;
 }
 
+// The news come in bursts, and also whenever another device types than before: several times in each gesture,
+// which has no time for them.
+void KeyWatch::keyMapChanged() {
+    constexpr auto settles = 500ms;
+    mapReader.runLoop().postAfter(settles, [this, change = ++mapChanges] {
+        if (change == mapChanges)
+            renewKeyMap();
+    });
+}
+
 void KeyWatch::renewKeyMap() {
-    mapIsStale = false;
     auto renewed = readKeyMap();
     if (!renewed)
         return;

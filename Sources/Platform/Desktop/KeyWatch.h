@@ -2,8 +2,10 @@
 
 #include "Platform/Desktop/KeyInjector.h"
 #include "Platform/Desktop/SpareKeys.h"
+#include "Platform/Foundation/ThreadRunLoop.h"
 #include "Platform/Input/KeyEvent.h"
 
+#include <atomic>
 #include <functional>
 #include <thread>
 
@@ -19,8 +21,9 @@ public:
     // Whether the display lets a program watch and type keys.
     static bool isPossible(const XConnection& x);
 
-    // Hears nothing where it is not possible. Throws DisplayError.
-    KeyWatch(const XConnection& display, KeyInjector& account);
+    // Hears nothing where it is not possible. Throws DisplayError. The connection is read by nobody else, and
+    // what `account` makes is made on it.
+    KeyWatch(const XConnection& events, KeyInjector& account);
     ~KeyWatch();
     KeyWatch(const KeyWatch&) = delete;
     KeyWatch& operator=(const KeyWatch&) = delete;
@@ -52,6 +55,7 @@ private:
     bool isGrabbed(KeyCode code) const;
     bool isStillHeld() const;
     std::shared_ptr<const KeyMap> readKeyMap();
+    void keyMapChanged();
     void renewKeyMap();
     bool grab(KeyCode code);
     void ungrab(KeyCode code);
@@ -62,7 +66,7 @@ private:
     const XConnection mapDisplay;
     const xcb_window_t mailbox;
     std::uint8_t inputExtension = 0;
-    bool mapIsStale = false;
+    std::atomic<unsigned> mapChanges = 0;
     SpareKeys spareKeys;
     std::optional<Held> held;
     xcb_input_device_id_t pressingDevice = 0;
@@ -75,6 +79,8 @@ private:
     bool hearsRawEvents = false;
 
     std::thread thread;
+    // Reading a map takes longer than a key may.
+    WorkerThread mapReader;
 };
 
 } // namespace platform::desktop

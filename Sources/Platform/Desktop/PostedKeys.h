@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <optional>
 
@@ -22,9 +23,24 @@ struct PostedKey {
 // thread.
 class PostedKeys {
 public:
+    // Before it is typed.
     void record(ClipboardEffect effect, std::uint32_t window) {
         std::lock_guard lock(mutex);
         last = PostedKey{last ? last->number + 1 : 1, effect, window, std::chrono::steady_clock::now()};
+    }
+
+    // Once it is in the window's queue.
+    void reportTyped() const {
+        std::lock_guard lock(mutex);
+        if (observer)
+            observer();
+    }
+
+    // The one observer is called, on any thread, whenever a combination has been typed; nobody where it is
+    // null.
+    void observe(std::function<void()> whenTyped) {
+        std::lock_guard lock(mutex);
+        observer = std::move(whenTyped);
     }
 
     std::optional<PostedKey> latest() const {
@@ -35,6 +51,7 @@ public:
 private:
     mutable std::mutex mutex;
     std::optional<PostedKey> last;
+    std::function<void()> observer;
 };
 
 } // namespace platform::desktop

@@ -63,24 +63,31 @@ Task<void> SelectionEffects::gestureBegins() {
         attended = key->number;
 }
 
+// Asks at once, so that the answer mostly is there by the time it is waited for; and also where nothing will
+// be waited for: what the application does before it answers is still this copy.
+void SelectionEffects::keyTyped() {
+    auto key = postedKeys.latest();
+    if (key && key->effect == ClipboardEffect::copy && (!lastCopy || lastCopy->key.number != key->number))
+        lastCopy = Copy{*key, frontWindow.ask(key->window), std::nullopt};
+}
+
 Task<CopyOutcome> SelectionEffects::copyDone() {
     auto key = postedKeys.latest();
     if (!key || key->effect != ClipboardEffect::copy)
         co_return CopyOutcome::nothingPosted;
-    if (lastCopy && lastCopy->key.number == key->number)
-        co_return lastCopy->copied ? CopyOutcome::copied : CopyOutcome::notCopied;
+    keyTyped();
+    if (lastCopy->copied)
+        co_return *lastCopy->copied ? CopyOutcome::copied : CopyOutcome::notCopied;
 
     const auto limit = std::chrono::steady_clock::now() + patience(*key);
+    const auto inquiry = lastCopy->inquiry;
     bool copied = frontHasCopied(key->window);
-    // Asked also where nothing is waited for: what the application does before it answers is still this copy.
-    auto inquiry = frontWindow.ask(key->window);
-    lastCopy = Copy{*key, inquiry, copied};
     while (!copied) {
         const auto seen = owners.size();
         bool happened =
             co_await thread.until([&] { return owners.size() != seen || isAnswered(inquiry); }, limit);
         if (isAnswered(inquiry))
-            co_await thread.until([&] { return owners.size() != seen; }, Duration(copyGrace));
+            co_await thread.until([&] { return owners.size() != seen; }, inquiry->answeredAt + copyGrace);
         copied = frontHasCopied(key->window);
         if (!happened || isAnswered(inquiry))
             break;
@@ -192,7 +199,8 @@ bool SelectionEffects::isLateCopy(xcb_window_t newOwner) {
         return false;
     if (lastCopy->inquiry)
         return isOpen(lastCopy->inquiry);
-    return !lastCopy->copied && std::chrono::steady_clock::now() < lastCopy->key.time + keyLimit * mostKeys;
+    return lastCopy->copied == false
+           && std::chrono::steady_clock::now() < lastCopy->key.time + keyLimit * mostKeys;
 }
 
 bool SelectionEffects::isKeptByManager() const {

@@ -18,6 +18,9 @@ class SelectionEffects : public SelectionOwner::Observer {
 public:
     SelectionEffects(SelectionThread& thread, const SelectionWatch& watch, PostedKeys& postedKeys);
 
+    // A combination has been typed.
+    void keyTyped();
+
     // Until the last combination, if it was a copy, has put something on the clipboard or is seen to put
     // nothing.
     Task<CopyOutcome> copyDone();
@@ -46,7 +49,7 @@ private:
     struct Copy {
         PostedKey key;
         Inquiry inquiry;
-        bool copied = false;
+        std::optional<bool> copied;
     };
     struct Fetch {
         xcb_window_t requestor;

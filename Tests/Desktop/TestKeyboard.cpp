@@ -1,4 +1,4 @@
-#include "Desktop/PhysicalKeyboard.h"
+#include "Desktop/TestKeyboard.h"
 
 #include <stdexcept>
 #include <string_view>
@@ -22,11 +22,16 @@ std::uint8_t physicalDevice(const platform::desktop::XConnection& x) {
 
 } // namespace
 
-PhysicalKeyboard::PhysicalKeyboard()
-    : firstEvent(xcb_get_extension_data(x, &xcb_input_id)->first_event), device(physicalDevice(x)) {}
+TestKeyboard::TestKeyboard(KeyboardKind kind) {
+    if (kind == KeyboardKind::ofPrograms)
+        return;
+    const auto* extension = xcb_get_extension_data(x, &xcb_input_id);
+    pressEvent = static_cast<std::uint8_t>(extension->first_event + XCB_INPUT_DEVICE_KEY_PRESS);
+    device = physicalDevice(x);
+}
 
-void PhysicalKeyboard::change(int code, bool isPress) const {
-    const auto event = firstEvent + (isPress ? XCB_INPUT_DEVICE_KEY_PRESS : XCB_INPUT_DEVICE_KEY_RELEASE);
+void TestKeyboard::change(int code, bool isPress) const {
+    const int event = pressEvent + (isPress ? 0 : 1);
     xcb_test_fake_input(x, static_cast<std::uint8_t>(event), static_cast<std::uint8_t>(code),
                         XCB_CURRENT_TIME, XCB_NONE, 0, 0, device);
     static_cast<void>(x.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x)));
