@@ -14,6 +14,8 @@ xcb_window_t activeWindow(const XConnection& x);
 struct WindowClass {
     std::string instance;
     std::string name;
+
+    bool operator==(const WindowClass&) const = default;
 };
 
 WindowClass windowClassOf(const XConnection& x, xcb_window_t window);

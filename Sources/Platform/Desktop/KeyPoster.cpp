@@ -1,12 +1,8 @@
 #include "Platform/Desktop/KeyPoster.h"
 
-#include "Platform/Desktop/ActiveWindow.h"
-
 namespace platform::desktop {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 ClipboardEffect effectOf(const KeyEvent& event) {
     if (event.flags != flag::command)
@@ -33,18 +29,16 @@ void KeyPoster::post(const KeyEvent& event, const KeyMap& map) {
 }
 
 std::optional<TerminalKeys> KeyPoster::terminalKeysOf(xcb_window_t window) {
-    constexpr auto keeps = 1s;
     if (window == XCB_NONE)
         return std::nullopt;
+    auto windowClass = windowClassOf(x, window);
     std::lock_guard lock(mutex);
-    auto now = std::chrono::steady_clock::now();
-    if (!last || last->window != window || last->since + keeps < now)
-        last = FrontWindow{window, now, desktop::terminalKeysOf(namesOf(window))};
+    if (!last || last->window != window || last->windowClass != windowClass)
+        last = FrontWindow{window, windowClass, desktop::terminalKeysOf(namesOf(window, windowClass))};
     return last->terminal;
 }
 
-std::vector<std::string> KeyPoster::namesOf(xcb_window_t window) const {
-    auto windowClass = windowClassOf(x, window);
+std::vector<std::string> KeyPoster::namesOf(xcb_window_t window, const WindowClass& windowClass) const {
     std::vector<std::string> names{windowClass.name, windowClass.instance};
     if (auto process = processOf(x, window)) {
         if (auto program = programOf(*process))

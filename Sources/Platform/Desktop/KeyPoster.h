@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Desktop/ActiveWindow.h"
 #include "Platform/Desktop/KeyInjector.h"
 #include "Platform/Desktop/PostedKeys.h"
 #include "Platform/Desktop/TerminalKeys.h"
@@ -23,15 +24,15 @@ private:
         std::vector<KeyCode> modifiers;
     };
 
-    // What is known of the window that had the keyboard last; asked for anew with each gesture.
+    // What is known of the window that had the keyboard last. Its number alone may be another one's by now.
     struct FrontWindow {
         xcb_window_t window;
-        std::chrono::steady_clock::time_point since;
+        WindowClass windowClass;
         std::optional<TerminalKeys> terminal;
     };
 
     std::optional<TerminalKeys> terminalKeysOf(xcb_window_t window);
-    std::vector<std::string> namesOf(xcb_window_t window) const;
+    std::vector<std::string> namesOf(xcb_window_t window, const WindowClass& windowClass) const;
     std::optional<Chord> chordFor(const KeyEvent& event, const KeyMap& map) const;
     std::optional<Chord> chordInTerminal(TerminalKeys keys, const KeyEvent& event, const KeyMap& map) const;
 
