@@ -68,6 +68,14 @@ protected:
         return messages;
     }
 
+    // What the pill says, if there is one on the screen.
+    std::optional<std::string> shown() const {
+        if (host.windows.shown.empty())
+            return std::nullopt;
+        const auto pill = host.windows.shown.back()->presentation(host.clock.now());
+        return pill.sublayers.at(0).sublayers.at(2).drawing.lines.at(0).text;
+    }
+
     // The keys typed for the user, by their letters, `>` for Right Arrow.
     std::string typed() const {
         std::string letters;
@@ -116,16 +124,23 @@ TEST_F(TranslationSession, ReplacesTheWholeFieldWhenReleasedAfterTheTranslation)
     launch();
     press();
     EXPECT_EQ(machine->state.value(), TranslationState::reading);
+    EXPECT_FALSE(shown());
     host.advance(200ms);
     EXPECT_EQ(machine->state.value(), TranslationState::translating);
-    host.advance(1s);
+    EXPECT_EQ(shown(), "");
+    host.advance(200ms);
+    EXPECT_EQ(shown(), "Please ");
+    host.advance(800ms);
     EXPECT_EQ(machine->state.value(), TranslationState::preview);
+    EXPECT_EQ(shown(), "Please quote.");
     EXPECT_FALSE(machine->isProcessing.value());
     EXPECT_EQ(host.field.selectedText(), "");
     EXPECT_EQ(host.pasteboard.items, usersClipboard);
     release();
     host.advance(199ms);
     EXPECT_EQ(host.field.text, "请报价");
+    host.advance(1ms);
+    EXPECT_FALSE(shown());
     host.advance(1s);
     expectTranslated("Please quote.");
     EXPECT_EQ(typed(), "CAC>AV");
@@ -264,6 +279,7 @@ TEST_F(TranslationSession, ShowsAnErrorForTwoSecondsAndIgnoresThePressMeanwhile)
         release();
         press();
         EXPECT_TRUE(machine->isProcessing.value());
+        EXPECT_FALSE(shown().value_or("").empty()) << "the person is told";
         auto messages = log();
         EXPECT_TRUE(messages.starts_with(logged)) << messages;
         EXPECT_TRUE(messages.ends_with(std::string("[SM] fnDown ignored, state=") + state + "\n"))
