@@ -55,7 +55,7 @@ public:
 // cancelled.
 class HTTPAnswer {
 public:
-    static constexpr std::size_t maximumBodyLength = 64 * 1024 * 1024;
+    static constexpr std::size_t maximumBodyLength = std::size_t{64} * 1024 * 1024;
 
     HTTPAnswer(HTTPResponse head, std::unique_ptr<HTTPExchange> transfer)
         : response(head), exchange(std::move(transfer)) {}
