@@ -77,8 +77,7 @@ int main() {
     constexpr Pauses ofWholeField{200ms, 250ms};
     measure("A selection", KeyboardKind::ofPrograms, true, ofSelection);
     measure("A whole field", KeyboardKind::ofPrograms, false, ofWholeField);
-    // Here the server gives its keyboard map to everybody anew whenever the program types after the person or
-    // the person after the program, which takes it and them some milliseconds each time.
+    // Another device than the one that programs type on, which the server treats differently.
     measure("A selection, from a real keyboard", KeyboardKind::physical, true, ofSelection);
     measure("A whole field, from a real keyboard", KeyboardKind::physical, false, ofWholeField);
     return 0;

@@ -85,10 +85,10 @@ void KeyInjector::endAccount() {
 
 bool KeyInjector::isFromUser(const Change& change, std::optional<xcb_input_device_id_t> device) {
     std::lock_guard lock(mutex);
-    if (wasMadeHere(change)) {
-        ownDevice = device.value_or(ownDevice);
+    if (wasMadeHere(change))
         return false;
-    }
+    if (device && change.isPress)
+        usersDevice = device;
     heldByUser[change.code] = change.isPress;
     if (!change.isPress && putBack.erase(change.code) > 0) {
         make(change.code, false);
@@ -97,14 +97,14 @@ bool KeyInjector::isFromUser(const Change& change, std::optional<xcb_input_devic
     return true;
 }
 
-bool KeyInjector::isOwnDevice(xcb_input_device_id_t device) const {
-    std::lock_guard lock(mutex);
-    return device == ownDevice;
-}
-
 void KeyInjector::make(KeyCode code, bool isPress) {
-    auto cookie = xcb_test_fake_input(x, isPress ? XCB_KEY_PRESS : XCB_KEY_RELEASE, code, XCB_CURRENT_TIME,
-                                      XCB_NONE, 0, 0, 0);
+    // Without a device it is typed on the one that the server has for this.
+    std::uint8_t press = XCB_KEY_PRESS;
+    if (usersDevice)
+        press = static_cast<std::uint8_t>(xcb_get_extension_data(x, &xcb_input_id)->first_event
+                                          + XCB_INPUT_DEVICE_KEY_PRESS);
+    auto cookie = xcb_test_fake_input(x, isPress ? press : press + 1, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0,
+                                      static_cast<std::uint8_t>(usersDevice.value_or(0)));
     if (keepsAccount)
         made.push_back({cookie.sequence, code, isPress});
 }

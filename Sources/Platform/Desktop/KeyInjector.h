@@ -41,11 +41,8 @@ public:
         bool operator==(const Change&) const = default;
     };
 
-    // Whether the user did this, and not one of the operations above.
+    // Whether the user did this, on `device` where that is known, and not one of the operations above.
     bool isFromUser(const Change& change, std::optional<xcb_input_device_id_t> device = std::nullopt);
-
-    // Whether events made here come from that device. A key that was lifted is up there, whoever holds it.
-    bool isOwnDevice(xcb_input_device_id_t device) const;
 
 private:
     void make(KeyCode code, bool isPress);
@@ -54,10 +51,13 @@ private:
 
     const XConnection& x;
     const XConnection& questions;
-    mutable std::mutex mutex;
+    std::mutex mutex;
     bool keepsAccount = false;
     std::deque<Change> made;
-    xcb_input_device_id_t ownDevice = 0;
+    // The keyboard that the user types on, for this to type on it too: whenever another one types than
+    // before, the server gives every program that one's map, which takes them all some milliseconds, and may
+    // be another map.
+    std::optional<xcb_input_device_id_t> usersDevice;
     std::bitset<256> heldByUser;
     // Keys the user holds that were lifted and pressed again here. The user's release does not reach this
     // press.

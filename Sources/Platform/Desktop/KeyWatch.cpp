@@ -157,8 +157,8 @@ void KeyWatch::handleRawKey(const xcb_input_raw_key_press_event_t& event) {
         return;
     }
     pressingDevice = event.sourceid;
-    // Where a release was missed, the next key brings it to light.
-    if (held && held->code != code && !isStillHeld())
+    // A keyboard that was unplugged reports no release; the next key brings it to light.
+    if (held && held->code != code && !isPluggedIn(held->device))
         reportRelease();
     std::vector<std::shared_ptr<const Listener>> listeners;
     std::optional<int> pressed;
@@ -195,22 +195,9 @@ bool KeyWatch::isGrabbed(KeyCode code) const {
     return grabbed == code;
 }
 
-bool KeyWatch::isStillHeld() const {
-    if (injector.isOwnDevice(held->device))
-        return true;
-    auto state = x.reply(xcb_input_query_device_state_reply,
-                         xcb_input_query_device_state(x, static_cast<std::uint8_t>(held->device)));
-    // A keyboard that was unplugged.
-    if (!state)
-        return false;
-    for (auto part = xcb_input_query_device_state_classes_iterator(state.get()); part.rem > 0;
-         xcb_input_input_state_next(&part)) {
-        if (part.data->class_id == XCB_INPUT_INPUT_CLASS_KEY) {
-            const auto* keys = reinterpret_cast<const xcb_input_key_state_t*>(part.data)->keys;
-            return (keys[held->code / 8] >> (held->code % 8U) & 1U) != 0;
-        }
-    }
-    return false;
+// The key itself is up there since it was lifted, whoever holds it.
+bool KeyWatch::isPluggedIn(xcb_input_device_id_t device) const {
+    return x.reply(xcb_input_xi_query_device_reply, xcb_input_xi_query_device(x, device)) != nullptr;
 }
 
 std::shared_ptr<const KeyMap> KeyWatch::readKeyMap() {

@@ -53,7 +53,7 @@ private:
     void handleUsersRelease(KeyCode code);
     void reportRelease();
     bool isGrabbed(KeyCode code) const;
-    bool isStillHeld() const;
+    bool isPluggedIn(xcb_input_device_id_t device) const;
     std::shared_ptr<const KeyMap> readKeyMap();
     void keyMapChanged();
     void renewKeyMap();
