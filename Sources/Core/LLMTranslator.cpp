@@ -21,7 +21,7 @@ using platform::Task;
 constexpr const char* path = "/v1/translate";
 
 // Enough of an error's body for the part of it that is shown; the rest is not waited for.
-constexpr std::size_t enoughOfAnError = 64 * 1024;
+constexpr std::size_t enoughOfAnError = std::size_t{64} * 1024;
 
 Task<void> warmUp(std::shared_ptr<platform::HTTPSession> session) {
     try {

@@ -24,11 +24,15 @@ xcb_window_t topLevelAround(const XConnection& x, xcb_window_t window) {
     return topLevel;
 }
 
+std::string untilZero(const std::string& bytes) {
+    return bytes.substr(0, bytes.find('\0'));
+}
+
 std::string ownMachine() {
     std::string name(HOST_NAME_MAX + 1, '\0');
     if (gethostname(name.data(), name.size()) != 0)
         return {};
-    return name.c_str();
+    return untilZero(name);
 }
 
 } // namespace
@@ -62,7 +66,7 @@ std::optional<pid_t> processOf(const XConnection& x, xcb_window_t window) {
     if (!process)
         return std::nullopt;
     auto machine = x.property(window, XCB_ATOM_WM_CLIENT_MACHINE);
-    if (machine && std::string(machine->bytes.c_str()) != ownMachine())
+    if (machine && untilZero(machine->bytes) != ownMachine())
         return std::nullopt;
     return static_cast<pid_t>(*process);
 }

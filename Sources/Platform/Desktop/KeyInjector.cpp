@@ -1,7 +1,6 @@
 #include "Platform/Desktop/KeyInjector.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include <xcb/xtest.h>
 
@@ -39,9 +38,9 @@ void KeyInjector::type(KeyCode code, const std::vector<KeyCode>& modifiers, cons
     }
     make(code, true);
     make(code, false);
-    for (auto modifier : modifiers | std::views::reverse) {
-        if (!down[modifier])
-            make(modifier, false);
+    for (auto modifier = modifiers.rbegin(); modifier != modifiers.rend(); ++modifier) {
+        if (!down[*modifier])
+            make(*modifier, false);
     }
     for (auto held : lifted) {
         putBack.erase(held);

@@ -16,7 +16,7 @@ using Moment = std::chrono::steady_clock::time_point;
 
 // The pasteboard's own thread: an executor that also hands out the events of an X connection, and on which
 // tasks wait for what the events change. Idle, it sleeps until an event or work arrives.
-class SelectionThread : public Executor {
+class SelectionThread final : public Executor {
 public:
     // Throws DisplayError.
     SelectionThread();
