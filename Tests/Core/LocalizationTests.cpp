@@ -4,8 +4,6 @@
 #include "Platform/Foundation/StringsFile.h"
 #include "Support/HeadlessTest.h"
 
-#include <set>
-
 using namespace lumarin;
 using namespace tests;
 using Language = LocalizationManager::Language;
@@ -29,7 +27,6 @@ TEST(StringTables, HoldTheSameKeysWithTheSamePlaceholders) {
     };
     auto english = table("en.lproj");
     auto chinese = table("zh-Hans.lproj");
-    EXPECT_EQ(english.size(), 59U);
     const std::map<std::string, std::size_t> formats{
         {"menu.status.ready", 2}, {"diagnostics.done.body", 1}, {"error.network", 1}, {"error.api", 1}};
     for (const auto& [key, text] : english) {
@@ -55,11 +52,8 @@ protected:
 };
 
 TEST_F(Localization, ChoosesTheTable) {
-    struct {
-        std::string stored;
-        std::vector<std::string> system;
-        std::string table;
-    } cases[] = {
+    using Languages = std::vector<std::string>;
+    const std::tuple<std::string, Languages, std::string> cases[] = {
         {"", {"zh-Hant-TW", "en"}, "zh-Hans"}, {"", {"ja-JP"}, "en"},        {"", {}, "en"},
         {"fr", {"zh-Hans-CN"}, "zh-Hans"},     {"zh", {"en-US"}, "zh-Hans"}, {"en", {"zh"}, "en"},
         {"system", {"en-US", "zh"}, "en"},

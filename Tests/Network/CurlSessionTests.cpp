@@ -15,6 +15,13 @@ void expectContains(const std::string& text, const std::string& part) {
     EXPECT_PRED_FORMAT2(testing::IsSubstring, part, text);
 }
 
+// Begins an answer and leaves it open until the client goes.
+void stall(TLSConnection& connection) {
+    connection.readRequest();
+    connection.send(streamHead + chunk("x\n"));
+    connection.waitForClose();
+}
+
 // What holds whichever protocol the server speaks.
 class CurlSessions : public testing::TestWithParam<Protocol> {
 protected:
@@ -27,8 +34,7 @@ protected:
     std::optional<CurlSession> session;
 };
 
-INSTANTIATE_TEST_SUITE_P(, CurlSessions, testing::Values(Protocol::http1, Protocol::http2),
-                         [](const auto& each) { return each.param == Protocol::http1 ? "HTTP1" : "HTTP2"; });
+INSTANTIATE_TEST_SUITE_P(, CurlSessions, bothProtocols, nameOfProtocol);
 
 } // namespace
 
@@ -96,18 +102,13 @@ TEST_P(CurlSessions, UsesTheWarmUpsConnectionForTheFirstRequest) {
     }));
     platform::HTTPRequest warmUp = get(service->url());
     warmUp.method = "HEAD";
-    // HTTP/2 shares the connection even while it is still being made.
-    std::optional<Fetch> first;
-    if (GetParam() == Protocol::http2) {
-        first.emplace(*session, warmUp);
-    } else {
-        EXPECT_EQ(fetch(*session, warmUp).head->status, 405);
-    }
-    EXPECT_EQ(fetch(*session, post(service->url(), "a")).lines, std::vector<std::string>{"a"});
-    EXPECT_EQ(fetch(*session, post(service->url(), "b")).lines, std::vector<std::string>{"b"});
-    if (first) {
-        EXPECT_EQ(first->outcome().head->status, 405);
-    }
+    Fetch first(*session, warmUp);
+    // Only HTTP/2 shares a connection that is still being made.
+    if (GetParam() == Protocol::http1)
+        first.outcome();
+    for (const std::string body : {"a", "b"})
+        EXPECT_EQ(fetch(*session, post(service->url(), body)).lines, std::vector{body});
+    EXPECT_EQ(first.outcome().head->status, 405);
     EXPECT_EQ(service->connections(), 1);
 }
 
@@ -165,9 +166,7 @@ TEST_P(CurlSessions, SaysThatTheConnectionWasLost) {
 TEST_P(CurlSessions, ClosesACancelledTransferAtOnce) {
     std::promise<Clock::time_point> closed;
     serve([&](TLSConnection& connection) {
-        connection.readRequest();
-        connection.send(streamHead + chunk("x\n"));
-        connection.waitForClose();
+        stall(connection);
         closed.set_value(Clock::now());
     });
     Fetch transfer(*session, get(service->url()));
@@ -177,17 +176,11 @@ TEST_P(CurlSessions, ClosesACancelledTransferAtOnce) {
     EXPECT_EQ(transfer.outcome().error, "cancelled");
     auto end = closed.get_future();
     ASSERT_EQ(end.wait_for(10s), std::future_status::ready);
-    const auto taken = std::chrono::duration_cast<std::chrono::microseconds>(end.get() - start);
-    RecordProperty("microseconds", std::to_string(taken.count()));
-    EXPECT_LT(taken, 500ms);
+    EXPECT_LT(end.get() - start, 500ms);
 }
 
 TEST_P(CurlSessions, EndsWhatIsUnderWayWithItself) {
-    serve([](TLSConnection& connection) {
-        connection.readRequest();
-        connection.send(streamHead + chunk("x\n"));
-        connection.waitForClose();
-    });
+    serve(stall);
     std::list<Fetch> transfers;
     for (int count = 0; count < 3; ++count)
         transfers.emplace_back(*session, get(service->url())).awaitLine();
@@ -214,34 +207,20 @@ TEST_P(CurlSessions, GivesUpAnAnswerWithoutAnEnd) {
     }
 }
 
-TEST_P(CurlSessions, MakesManyRequestsAtOnce) {
-    serve(answering([](const TLSConnection::Request& request) { return ok(request.body); }));
+TEST_P(CurlSessions, MakesManyRequestsAtOnceOverFewConnections) {
+    serve(answering([](const TLSConnection::Request& request) {
+        std::this_thread::sleep_for(5ms);
+        return ok(request.body);
+    }));
+    session.emplace(platform::HTTPSessionConfiguration{.maximumConnectionsPerHost = 2},
+                    service->authorityFile());
     std::list<Fetch> transfers;
     for (int number = 0; number < 50; ++number)
         transfers.emplace_back(*session, post(service->url(), std::to_string(number)));
     int number = 0;
     for (Fetch& transfer : transfers)
         EXPECT_EQ(transfer.outcome().lines, std::vector{std::to_string(number++)});
-    EXPECT_LE(service->connections(), GetParam() == Protocol::http1 ? 6 : 1);
-}
-
-TEST(CurlSession, KeepsToItsConnectionLimit) {
-    std::atomic<int> atWork = 0;
-    std::atomic<int> mostAtWork = 0;
-    const TestService service(Protocol::http1, answering([&](const auto&) {
-                                  mostAtWork = std::max(mostAtWork.load(), ++atWork);
-                                  std::this_thread::sleep_for(30ms);
-                                  --atWork;
-                                  return ok("x");
-                              }));
-    CurlSession session({.maximumConnectionsPerHost = 2}, service.authorityFile());
-    std::list<Fetch> transfers;
-    for (int count = 0; count < 8; ++count)
-        transfers.emplace_back(session, get(service.url()));
-    for (Fetch& transfer : transfers)
-        EXPECT_EQ(transfer.outcome().lines, std::vector<std::string>{"x"});
-    EXPECT_EQ(service.connections(), 2);
-    EXPECT_EQ(mostAtWork, 2);
+    EXPECT_EQ(service->connections(), GetParam() == Protocol::http1 ? 2 : 1);
 }
 
 TEST(CurlSession, ReplacesAConnectionThatTheServerHasClosed) {
@@ -256,58 +235,47 @@ TEST(CurlSession, ReplacesAConnectionThatTheServerHasClosed) {
 }
 
 TEST(CurlSession, ReportsTheHeadOfTheAnswerItself) {
-    const struct {
-        const char* sent;
-        std::optional<int> status;
-        std::vector<std::string> lines;
-        const char* error;
-    } cases[] = {
-        {"HTTP/1.1 103 Early Hints\r\nLink: <x>\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\nx",
+    using Lines = std::vector<std::string>;
+    const std::string good = "HTTP/1.1 200 OK\r\n";
+    const std::string early = "The answer of 127.0.0.1 ended too early.";
+    const std::tuple<std::string, std::optional<int>, Lines, std::string> cases[] = {
+        {"HTTP/1.1 103 Early Hints\r\nLink: <x>\r\n\r\n" + good + "Content-Length: 1\r\n\r\nx",
          200,
          {"x"},
          ""},
-        {"HTTP/1.1 302 Found\r\nContent-Length: 1\r\n\r\nx", 302, {"x"}, ""},
-        {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\nTrailer: T\r\n\r\n1\r\nx\r\n0\r\nT: 1\r\n\r\n",
+        {good + "Transfer-Encoding: chunked\r\nTrailer: T\r\n\r\n1\r\nx\r\n0\r\nT: 1\r\n\r\n",
          200,
          {"x"},
          ""},
-        {"HTTP/1.1 200 OK\r\n\r\nuntil\nthe end", 200, {"until", "the end"}, ""},
+        {good + "\r\nuntil\nthe end", 200, {"until", "the end"}, ""},
         {"HTTP/1.1 204 No Content\r\n\r\n", 204, {}, ""},
-        {"220 mail.example ESMTP\r\nhello\r\n", std::nullopt, {"220 mail.example ESMTP", "hello"}, ""},
-        {"?", std::nullopt, {"?"}, ""},
+        {"220 mail.example ESMTP\r\n", std::nullopt, {"220 mail.example ESMTP"}, ""},
         {"", {}, {}, "127.0.0.1 closed the connection without an answer."},
-        {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nx",
-         200,
-         {},
-         "The answer of 127.0.0.1 ended too early."},
-        {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nx\n\r\n",
-         200,
-         {"x"},
-         "The answer of 127.0.0.1 ended too early."},
+        {good + "Content-Length: 9\r\n\r\nx", 200, {}, early},
+        {good + "Transfer-Encoding: chunked\r\n\r\n2\r\nx\n\r\n", 200, {"x"}, early},
     };
-    for (const auto& each : cases) {
-        const TestService service(Protocol::http1, [&](TLSConnection& connection) {
+    for (const auto& [sent, status, lines, error] : cases) {
+        const TestService service(Protocol::http1, [&bytes = sent](TLSConnection& connection) {
             connection.readRequest();
-            connection.send(each.sent);
+            connection.send(bytes);
         });
         CurlSession session({}, service.authorityFile());
         const Outcome outcome = fetch(session, get(service.url()));
-        EXPECT_EQ(outcome.error, each.error) << each.sent;
-        EXPECT_EQ(outcome.lines, each.lines) << each.sent;
-        EXPECT_EQ(outcome.head ? outcome.head->status : std::nullopt, each.status) << each.sent;
+        EXPECT_EQ(outcome.error, error) << sent;
+        EXPECT_EQ(outcome.lines, lines) << sent;
+        EXPECT_EQ(outcome.head ? outcome.head->status : std::nullopt, status) << sent;
     }
 }
 
 TEST(CurlSession, FollowsSecureRedirectsOnly) {
-    const TestService service(Protocol::http1, answering([&](const TLSConnection::Request& request) {
+    const TestService service(Protocol::http1, answering([](const TLSConnection::Request& request) {
                                   const auto path = request.head.substr(0, request.head.find(" HTTP"));
-                                  if (path == "POST /moved")
-                                      return answer("307 Temporary Redirect", "Location: /here\r\n", "moved");
-                                  if (path == "POST /loop")
-                                      return answer("308 Permanent Redirect", "Location: /loop\r\n", "");
-                                  if (path == "POST /insecure")
-                                      return answer("307 Temporary Redirect",
-                                                    "Location: http://127.0.0.1:9/\r\n", "");
+                                  for (const auto& [from, to] : {std::pair{"POST /moved", "/here"},
+                                                                 {"POST /loop", "/loop"},
+                                                                 {"POST /insecure", "http://127.0.0.1:9/"}})
+                                      if (path == from)
+                                          return answer("307 Temporary Redirect",
+                                                        std::string("Location: ") + to + "\r\n", "moved");
                                   return ok(path + " " + request.body);
                               }));
     CurlSession session({}, service.authorityFile());
@@ -324,43 +292,35 @@ TEST(CurlSession, FollowsSecureRedirectsOnly) {
 TEST(CurlSession, TrustsNoServerThatItCannotVerify) {
     const TestAuthority other;
     const std::string right = "IP:127.0.0.1";
-    const struct {
-        std::string names;
-        std::optional<std::string> trusted;
-        const char* error;
-    } cases[] = {
+    const std::tuple<std::string, std::optional<std::string>, std::string> cases[] = {
         {right, "its own", ""},
         {right, std::nullopt, "not trusted"},
         {right, "", "not trusted"},
-        {right, "garbage", "not trusted"},
         {right, "-----BEGIN CERTIFICATE-----\nAAAA\n-----END CERTIFICATE-----\n", "not trusted"},
         {right, other.pem(), "not trusted"},
         {"DNS:elsewhere.test", "its own", "certificate is not for 127.0.0.1"},
         {"IP:127.0.0.2", "its own", "certificate is not for 127.0.0.1"},
     };
-    for (const auto& each : cases) {
+    for (const auto& [names, trusted, error] : cases) {
         std::atomic<bool> wasAsked = false;
         const TestService service(Protocol::http1, answering([&](const auto&) {
                                       wasAsked = true;
                                       return ok("x");
                                   }),
-                                  each.names);
+                                  names);
         const TemporaryFolder folder;
         std::optional<std::filesystem::path> file;
-        if (each.trusted == "its own")
+        if (trusted == "its own")
             file = service.authorityFile();
-        else if (each.trusted)
-            file = folder.write("authority.pem", *each.trusted);
+        else if (trusted)
+            file = folder.write("authority.pem", *trusted);
         CurlSession session({}, file);
         // The second connection must not be spared the check.
         for (int count = 0; count < 2; ++count) {
             const Outcome outcome = fetch(session, post(service.url(), "secret"));
-            if (*each.error == '\0') {
-                EXPECT_EQ(outcome.error, "");
-            } else {
-                expectContains(outcome.error, each.error);
-            }
-            EXPECT_EQ(wasAsked, *each.error == '\0') << each.error;
+            expectContains(outcome.error, error);
+            EXPECT_EQ(outcome.error.empty(), error.empty()) << outcome.error;
+            EXPECT_EQ(wasAsked, error.empty()) << error;
         }
     }
     expectContains(
@@ -385,12 +345,8 @@ TEST(CurlSession, SaysWhyAnAddressCannotBeAsked) {
     const auto [closed, closedPort] = listenOnLoopback();
     ::close(closed);
     const std::string nobody = ":" + std::to_string(closedPort) + "/";
-    const struct {
-        std::string url;
-        std::string error;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"http://127.0.0.1" + port, ""},
-        {"http://localhost" + port, ""},
         {"HTTP://LOCALHOST" + port, ""},
         {"http://127.1.2.3" + nobody, "Could not connect to 127.1.2.3."},
         {"http://[::1]" + nobody, "Could not connect to [::1]."},
@@ -399,25 +355,18 @@ TEST(CurlSession, SaysWhyAnAddressCannotBeAsked) {
          "A secure connection to 127.0.0.1 could not be made."},
         {"http://192.0.2.1/", "not be secure"},
         {"http://[::2]/", "not be secure"},
-        {"http://128.0.0.1/", "not be secure"},
         {"http://127.0.0.1.example.test/", "not be secure"},
-        {"http://localhost.example.test/", "not be secure"},
         {"http://localhost@192.0.2.1/", "not be secure"},
         {"http://192.0.2.1/#@localhost/", "not be secure"},
-        {"ftp://127.0.0.1/", "not a web address"},
         {"file:///etc/passwd", "not a web address"},
         {"/v1/translate", "not a web address"},
         {"https://", "not a web address"},
         {"https://a b/", "not a web address"},
-        {"", "not a web address"},
     };
     CurlSession session({});
-    for (const auto& each : cases) {
-        const Outcome outcome = fetch(session, get(each.url));
-        if (each.error.empty()) {
-            EXPECT_EQ(outcome.lines, std::vector<std::string>{"x"}) << outcome.error;
-        } else {
-            expectContains(outcome.error, each.error);
-        }
+    for (const auto& [url, error] : cases) {
+        const Outcome outcome = fetch(session, get(url));
+        expectContains(outcome.error, error);
+        EXPECT_EQ(outcome.lines, std::vector<std::string>(error.empty(), "x")) << url;
     }
 }

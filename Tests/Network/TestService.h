@@ -15,6 +15,12 @@ using namespace std::chrono_literals;
 
 enum class Protocol { http1, http2 };
 
+const auto bothProtocols = testing::Values(Protocol::http1, Protocol::http2);
+
+inline std::string nameOfProtocol(const testing::TestParamInfo<Protocol>& each) {
+    return each.param == Protocol::http1 ? "HTTP1" : "HTTP2";
+}
+
 // A scripted server that is reached by the one protocol or the other, with a certificate of `authority`.
 class TestService {
 public:

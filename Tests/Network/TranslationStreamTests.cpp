@@ -72,8 +72,7 @@ private:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(, TranslationStreams, testing::Values(Protocol::http1, Protocol::http2),
-                         [](const auto& each) { return each.param == Protocol::http1 ? "HTTP1" : "HTTP2"; });
+INSTANTIATE_TEST_SUITE_P(, TranslationStreams, bothProtocols, nameOfProtocol);
 
 } // namespace
 

@@ -47,8 +47,8 @@ TEST_F(CertificateTest, IsForTheLoopbackAndNothingElse) {
     X509Certificate made(PEM_read_bio_X509(bio.get(), nullptr, nullptr, nullptr));
     ASSERT_TRUE(made);
     EXPECT_EQ(X509_check_host(made.get(), "localhost", 0, 0, nullptr), 1);
-    EXPECT_EQ(X509_check_ip_asc(made.get(), "127.0.0.1", 0), 1);
-    EXPECT_EQ(X509_check_ip_asc(made.get(), "::1", 0), 1);
+    for (const char* address : {"127.0.0.1", "::1"})
+        EXPECT_EQ(X509_check_ip_asc(made.get(), address, 0), 1) << address;
     EXPECT_EQ(X509_check_host(made.get(), "example.com", 0, 0, nullptr), 0);
     EXPECT_EQ(X509_check_ca(made.get()), 0);
 }
@@ -69,13 +69,12 @@ TEST_F(CertificateTest, IsMadeAgainWhenItIsOfNoMoreUse) {
 
 TEST_F(CertificateTest, NeverWritesOverSomebodyElsesFiles) {
     auto [ours, oursKey] = ensure();
-    const std::pair<std::string, std::string> cases[] = {{"notes", ""}, {"", oursKey}, {"notes", oursKey}};
-    for (const auto& pair : cases) {
-        writeFile(certificate, pair.first);
-        writeFile(key, pair.second);
+    using Files = std::pair<std::string, std::string>;
+    for (const Files& files : {Files{"notes", ""}, {"", oursKey}, {"notes", oursKey}}) {
+        writeFile(certificate, files.first);
+        writeFile(key, files.second);
         EXPECT_THROW(ensure(), std::runtime_error);
-        EXPECT_EQ(bytesOf(certificate), pair.first);
-        EXPECT_EQ(bytesOf(key), pair.second);
+        EXPECT_EQ(Files(bytesOf(certificate), bytesOf(key)), files);
     }
     EXPECT_THROW(ensureCertificate(key), std::runtime_error);
 }

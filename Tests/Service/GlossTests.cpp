@@ -12,12 +12,7 @@ using namespace lumarin::service;
 
 namespace {
 
-struct Case {
-    const char* chinese;
-    const char* english;
-};
-
-void expectGlosses(const std::vector<Case>& cases) {
+void expectGlosses(const std::vector<std::pair<const char*, const char*>>& cases) {
     const Gloss gloss;
     for (const auto& [chinese, english] : cases)
         EXPECT_EQ(gloss.text(chinese), english) << chinese;
@@ -29,31 +24,23 @@ TEST(Gloss, PutsTradeLettersIntoReadableEnglish) {
     expectGlosses({
         {"您好，请问这款样品的报价是多少？最小起订量是500件吗？",
          "Hello, may I ask about this sample, what is the quote? MOQ is 500 pcs?"},
-        {"尊敬的客户，您好！感谢您的询盘。", "Dear customer, hello! Thank you for your inquiry."},
         {"请把形式发票发给我们，我们会尽快安排付款。",
          "Please send the proforma invoice to us, we will promptly arrange payment."},
         {"很抱歉，由于春节假期，货期会推迟一周。", "We are very sorry, because of the Chinese New Year "
                                                    "holiday, lead time will be delayed by one week."},
-        {"请确认外箱尺寸、毛重和净重。", "Please confirm carton size, gross weight and net weight."},
         {"这个价格太高了，我们无法接受。", "This price too high, we cannot accept."},
     });
 }
 
-TEST(Gloss, TakesTheLongestPhraseAndATermsFirstRendering) {
+TEST(Gloss, TakesTheLongestPhraseAndSetsQuestionsApartFromWhatTheyAreAbout) {
     expectGlosses({
         {"最小起订量", "MOQ"}, // not 起订量 behind something unknown
         {"交货期", "Lead time"},
         {"提单和电汇", "B/L and T/T"},
         {"我们要打样", "We want make a sample"},
         {"高柜", "40HQ"},
-    });
-}
-
-TEST(Gloss, SetsQuestionsApartFromWhatTheyAreAbout) {
-    expectGlosses({
         {"价格是多少？", "What is the price?"},
         {"FOB 的价格是多少？", "FOB, what is the price?"},
-        {"请问，价格是多少？", "May I ask, what is the price?"},
         {"MOQ 是多少？", "MOQ, how much is it?"},
     });
 }
@@ -71,7 +58,7 @@ TEST(Gloss, ReadsFiguresWithTheirUnitsAndDates) {
     });
 }
 
-TEST(Gloss, LeavesTheUnknownWhole) {
+TEST(Gloss, LeavesTheUnknownWholeAndTextWithoutChineseByteForByte) {
     expectGlosses({
         {"和平饭店", "和平饭店"}, // "and" is no word of a name
         {"样品在和平饭店", "Sample in 和平饭店"},
@@ -80,13 +67,9 @@ TEST(Gloss, LeavesTheUnknownWhole) {
         {"https://example.com/a?b=1&c=样品", "https://example.com/a?b=1&c=sample"},
         {"见https://example.com/a_b(1)，谢谢", "见https://example.com/a_b(1), thank you"},
     });
-}
-
-TEST(Gloss, ReturnsTextWithoutChineseByteForByte) {
-    const Gloss gloss;
     for (const char* text :
          {"", " ", "Hello,  world !\r\n\t- FOB 5.5 USD", "， “OK”。", "こんにちは", "Ça va ? 😊", "don’t"})
-        EXPECT_EQ(gloss.text(text), text);
+        expectGlosses({{text, text}});
 }
 
 TEST(Gloss, WritesPunctuationSpacesAndCapitalsAsEnglishDoes) {

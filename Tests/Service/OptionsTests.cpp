@@ -33,16 +33,14 @@ TEST(Options, ListenOnTheLoopbackUnlessToldOtherwise) {
 }
 
 TEST(Options, RefuseWhatCannotBeMeant) {
-    const std::vector<std::vector<const char*>> cases = {
-        {"--listen", "8443"},
-        {"--listen", ":8443"},
-        {"--listen", "localhost:"},
-        {"--listen", "localhost:65536"},
-        {"--listen", "localhost:80a"},
-        {"--listen"},
-        {"--unknown"},
-        {"localhost:80"},
-    };
+    const std::vector<std::vector<const char*>> cases = {{"--listen", "8443"},
+                                                         {"--listen", ":8443"},
+                                                         {"--listen", "localhost:"},
+                                                         {"--listen", "localhost:65536"},
+                                                         {"--listen", "localhost:80a"},
+                                                         {"--listen"},
+                                                         {"--unknown"},
+                                                         {"localhost:80"}};
     for (const auto& arguments : cases)
         EXPECT_THROW(parse(arguments), OptionError) << arguments.back();
 }

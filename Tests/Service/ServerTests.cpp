@@ -28,17 +28,18 @@ struct ServerTest : testing::Test {
     std::unique_ptr<httplib::SSLClient> clientFor(const std::string& host) {
         auto made = std::make_unique<httplib::SSLClient>(host, port);
         made->set_ca_cert_path(files.certificate.c_str());
-        made->enable_server_certificate_verification(true);
         made->set_keep_alive(true);
         return made;
     }
+    // What the one-piece service makes of a body.
+    nlohmann::json translated(const std::string& body, const char* type = json) {
+        auto answer = client->Post("/v1/free", body, type);
+        EXPECT_EQ(answer.value().status, 200);
+        return nlohmann::json::parse(answer->body).at("text");
+    }
 
     static nlohmann::json streamRequest(const std::string& text, const std::string& language = "EN") {
-        return {{"text", text},
-                {"system_prompt", "Translate."},
-                {"target_language", language},
-                {"style", "formal"},
-                {"stream", true}};
+        return {{"text", text}, {"system_prompt", ""}, {"target_language", language}, {"stream", true}};
     }
     static nlohmann::json freeRequest(const std::string& text, const std::string& language = "EN") {
         return {{"text", text}, {"source_lang", "ZH"}, {"target_lang", language}};
@@ -72,11 +73,10 @@ TEST_F(ServerTest, StreamsATranslationWordByWord) {
 }
 
 TEST_F(ServerTest, AnswersInOnePieceAndToAWarmUpByEitherName) {
-    auto answer = client->Post("/v1/free", freeRequest("“样品”\n😊").dump(), json);
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->status, 200);
-    EXPECT_EQ(nlohmann::json::parse(answer->body), nlohmann::json({{"text", "“Sample”\n😊"}}));
-
+    EXPECT_EQ(translated(freeRequest("“样品”\n😊").dump()), "“Sample”\n😊");
+    // Command-line clients call every body a form; it may be long.
+    const std::string text(1'000'000, 'a');
+    EXPECT_EQ(translated(freeRequest(text).dump(), "application/x-www-form-urlencoded"), text);
     auto warmUp = clientFor("localhost")->Head("/v1/translate");
     ASSERT_TRUE(warmUp) << httplib::to_string(warmUp.error());
     EXPECT_EQ(warmUp->status, 200);
@@ -90,14 +90,7 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
     auto notStreamed = streamRequest("好");
     notStreamed["stream"] = false;
     auto tooLong = freeRequest(std::string(std::size_t{1024} * 1024, 'a')).dump();
-    struct Case {
-        const char* method;
-        const char* path;
-        std::string body;
-        int status;
-        const char* sentence;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, std::string, int, const char*> cases[] = {
         {"POST", "/v1/free", "{", 400, "not a JSON object"},
         {"POST", "/v1/free", "[]", 400, "not a JSON object"},
         {"POST", "/v1/free", "{\"text\":\"\xff\"}", 400, "UTF-8"},
@@ -109,7 +102,6 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
         {"POST", "/v1/free", freeRequest("好", "JA").dump(), 501, "--upstream"},
         {"POST", "/v1/free", tooLong, 413, "1 MiB"},
         {"POST", "/v1/other", "{}", 404, "nothing at this address"},
-        {"GET", "/", "", 404, "nothing at this address"},
         {"GET", "/v1/translate", "", 405, "method"},
         {"PUT", "/v1/free", "{}", 405, "method"},
     };
@@ -126,15 +118,6 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
     EXPECT_EQ(client->Put("/v1/translate", "", json)->get_header_value("Allow"), "HEAD, POST");
 }
 
-// Command-line clients call every body a form.
-TEST_F(ServerTest, TakesABodyUpToTheLimitByAnyName) {
-    std::string text(1'000'000, 'a');
-    auto answer = client->Post("/v1/free", freeRequest(text).dump(), "application/x-www-form-urlencoded");
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->status, 200);
-    EXPECT_EQ(nlohmann::json::parse(answer->body), nlohmann::json({{"text", text}}));
-}
-
 TEST_F(ServerTest, RefusesABodyOfUnknownLengthThatIsTooLong) {
     constexpr std::size_t length = std::size_t{3} * 1024 * 1024;
     auto answer = client->Post(
@@ -149,9 +132,7 @@ TEST_F(ServerTest, RefusesABodyOfUnknownLengthThatIsTooLong) {
         json);
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->status, 413);
-    auto next = client->Head("/v1/translate");
-    ASSERT_TRUE(next);
-    EXPECT_EQ(next->status, 200);
+    EXPECT_EQ(client->Head("/v1/translate").value().status, 200);
 }
 
 TEST_F(ServerTest, LogsALineForARequestAndNothingOfWhatItSaid) {

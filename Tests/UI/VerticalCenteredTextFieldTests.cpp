@@ -6,59 +6,35 @@ using namespace platform;
 
 namespace {
 
-class VerticalCenteredTextFieldTest : public tests::HeadlessTest {
-protected:
-    VerticalCenteredTextFieldTest() {
-        field->setFont(Font::systemFont(14, FontWeight::medium));
-        field->setLineBreakMode(LineBreakMode::truncatingTail);
-        field->setFrame({16, 0, 88, 44});
-    }
+struct VerticalCenteredTextFieldTest : tests::HeadlessTest {};
 
-    // Where the text is drawn.
-    Rect place() const { return field->layer()->presentation({}).drawing.lines.at(0).place; }
-
-    void expectHeight(double bottom, double height, const char* name) const {
-        EXPECT_DOUBLE_EQ(place().y, bottom) << name;
-        EXPECT_DOUBLE_EQ(place().height, height) << name;
-    }
-
-    std::shared_ptr<VerticalCenteredTextField> field =
-        TextField::labelWithString<VerticalCenteredTextField>("Hello");
-};
+void expectRect(const Rect& rect, const Rect& expected, const char* name) {
+    EXPECT_DOUBLE_EQ(rect.x, expected.x) << name;
+    EXPECT_DOUBLE_EQ(rect.y, expected.y) << name;
+    EXPECT_DOUBLE_EQ(rect.width, expected.width) << name;
+    EXPECT_DOUBLE_EQ(rect.height, expected.height) << name;
+}
 
 } // namespace
 
-TEST_F(VerticalCenteredTextFieldTest, DrawsItsLineInTheMiddleWhateverChanges) {
-    expectHeight(13.6, 16.8, "at first");
-    const Rect plain = [] {
-        auto other = TextField::labelWithString<TextField>("Hello");
-        other->setFrame({16, 0, 88, 44});
-        return other->layer()->presentation({}).drawing.lines.at(0).place;
-    }();
-    EXPECT_EQ(place().x, plain.x);
-    EXPECT_EQ(place().width, plain.width);
-    field->setStringValue("");
-    expectHeight(13.6, 16.8, "empty");
-    field->setFont(Font::systemFont(20, FontWeight::medium));
-    expectHeight(10, 24, "a larger font");
-    field->setFrame({16, 0, 88, 30});
-    expectHeight(3, 24, "a lower field");
-    field->setFrame({16, 0, 88, 10});
-    expectHeight(-7, 24, "taller than the field");
-}
-
-TEST_F(VerticalCenteredTextFieldTest, CentersInBoundsThatBeginElsewhereAndSelectsThere) {
-    const Rect bounds{4, 100, 60, 44};
-    const Rect title = field->cell().titleRectForBounds(bounds);
-    EXPECT_EQ(title.x, 4);
-    EXPECT_EQ(title.width, 60);
-    EXPECT_DOUBLE_EQ(title.y, 113.6);
-    EXPECT_DOUBLE_EQ(title.height, 16.8);
-
+TEST_F(VerticalCenteredTextFieldTest, DrawsAndSelectsItsLineInTheMiddleWhateverChanges) {
+    auto field = TextField::labelWithString<VerticalCenteredTextField>("Hello");
+    const auto expectPlace = [&](const Rect& expected, const char* name) {
+        expectRect(field->layer()->presentation({}).drawing.lines.at(0).place, expected, name);
+    };
+    field->setFont(Font::systemFont(14, FontWeight::medium));
+    field->setFrame({16, 0, 88, 44});
+    expectPlace({2, 13.6, 84, 16.8}, "at first");
     FieldEditor editor;
-    field->cell().selectWithFrame(bounds, editor, 1, 3);
-    EXPECT_EQ(editor.frame, title);
+    field->cell().selectWithFrame({4, 100, 60, 44}, editor, 1, 3);
+    expectRect(editor.frame, {4, 113.6, 60, 16.8}, "selected in bounds that begin elsewhere");
     EXPECT_EQ(editor.string, "Hello");
     EXPECT_EQ(editor.selectionStart, 1U);
     EXPECT_EQ(editor.selectionLength, 3U);
+    field->setStringValue("");
+    expectPlace({2, 13.6, 84, 16.8}, "empty");
+    field->setFont(Font::systemFont(20, FontWeight::medium));
+    expectPlace({2, 10, 84, 24}, "a larger font");
+    field->setFrame({16, 0, 48, 10});
+    expectPlace({2, -7, 44, 24}, "taller than the field");
 }
