@@ -1,5 +1,6 @@
 #include "Platform/Desktop/DesktopHost.h"
 
+#include "Platform/Desktop/DesktopWindowServer.h"
 #include "Platform/Desktop/KeyboardNoticeFilter.h"
 #include "Platform/Desktop/SystemFacts.h"
 #include "Platform/Foundation/CurlSession.h"
@@ -8,8 +9,6 @@
 #include <cstdio>
 
 #include <QApplication>
-#include <QFontMetricsF>
-#include <QScreen>
 
 namespace platform::desktop {
 
@@ -27,39 +26,13 @@ void handleMessage(QtMsgType type, const QMessageLogContext& context, const QStr
     std::fputs(line.c_str(), stderr);
 }
 
-// Knows the screen and the fonts; shows nothing yet.
-class ScreenOnly : public WindowServer {
-public:
-    std::optional<Screen> mainScreen() override {
-        const auto* screen = QGuiApplication::primaryScreen();
-        if (!screen)
-            return std::nullopt;
-        const auto whole = screen->geometry();
-        const auto rectOf = [&](const QRect& rect) {
-            return Rect{double(rect.x()), double(whole.bottom() - rect.bottom()), double(rect.width()),
-                        double(rect.height())};
-        };
-        return Screen{rectOf(whole), rectOf(screen->availableGeometry()), screen->devicePixelRatio()};
-    }
-    void orderFront(Window&) override {}
-    void orderOut(Window&) override {}
-    void setNeedsDisplay(Window&) override {}
-    Size measure(std::string_view text, const Font& font) override {
-        auto face = QGuiApplication::font();
-        face.setPixelSize(qRound(font.size));
-        const QFontMetricsF metrics(face);
-        const auto string = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-        return {metrics.horizontalAdvance(string), metrics.height()};
-    }
-};
-
 } // namespace
 
 DesktopHost::DesktopHost(int& argumentCount, char** arguments)
     : qt(std::make_unique<QApplication>(argumentCount, arguments)),
       keyboardNotices(std::make_unique<KeyboardNoticeFilter>(display)),
       runLoop(std::make_unique<QtRunLoop>()),
-      windows(std::make_unique<ScreenOnly>()),
+      windows(std::make_unique<DesktopWindowServer>(*runLoop)),
       keys(std::make_unique<DesktopKeyboard>(display, *runLoop, postedKeys)),
       applications(display, ApplicationNames(dataFolders(), preferredLocales())),
       folders(sessionDirectories()),

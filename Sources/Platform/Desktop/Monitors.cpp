@@ -1,0 +1,92 @@
+#include "Platform/Desktop/Monitors.h"
+
+#include "Platform/Desktop/ActiveWindow.h"
+
+#include <algorithm>
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <xcb/randr.h>
+
+namespace platform::desktop {
+namespace {
+
+// Without the extension the display is one monitor.
+std::vector<QRect> outlines(const XConnection& x) {
+    const auto* extension = xcb_get_extension_data(x, &xcb_randr_id);
+    auto answer = extension && extension->present
+                      ? x.reply(xcb_randr_get_monitors_reply, xcb_randr_get_monitors(x, x.root(), 1))
+                      : nullptr;
+    if (!answer)
+        return {QRect(0, 0, x.screen().width_in_pixels, x.screen().height_in_pixels)};
+    std::vector<QRect> result;
+    for (auto next = xcb_randr_get_monitors_monitors_iterator(answer.get()); next.rem;
+         xcb_randr_monitor_info_next(&next)) {
+        const QRect outline(next.data->x, next.data->y, next.data->width, next.data->height);
+        result.insert(next.data->primary ? result.begin() : result.end(), outline);
+    }
+    return result;
+}
+
+// Of the monitor whose upper left corner is there: that one Qt counts in pixels.
+double scaleAt(const QPoint& corner) {
+    const auto screens = QGuiApplication::screens();
+    const auto found =
+        std::ranges::find(screens, corner, [](auto* screen) { return screen->geometry().topLeft(); });
+    return found != screens.end() ? (*found)->devicePixelRatio() : qGuiApp->devicePixelRatio();
+}
+
+// What the window manager keeps free of bars, on the workspace that is shown; all if it doesn't say.
+QRect workArea(const XConnection& x, const QRect& all) {
+    const auto property = x.property(x.root(), x.atom("_NET_WORKAREA"));
+    const auto values = property ? property->values() : std::vector<std::uint32_t>{};
+    const auto workspace = std::size_t{x.propertyValue(x.root(), "_NET_CURRENT_DESKTOP").value_or(0)};
+    if (values.size() < 4 * (workspace + 1))
+        return all;
+    const auto value = [&](std::size_t index) { return static_cast<int>(values[4 * workspace + index]); };
+    return {value(0), value(1), value(2), value(3)};
+}
+
+} // namespace
+
+std::vector<Monitor> monitorsOf(const XConnection& x) {
+    const auto places = outlines(x);
+    std::vector<Monitor> monitors;
+    for (const auto& pixels : places) {
+        const double scale = scaleAt(pixels.topLeft());
+        const auto& first = monitors.empty() ? pixels : monitors.front().pixels;
+        const double bottom =
+            monitors.empty() ? first.height() / scale : monitors.front().screen.frame.height;
+        const double height = pixels.height() / scale;
+        const Rect frame{double(pixels.x() - first.x()), bottom - (pixels.y() - first.y()) - height,
+                         pixels.width() / scale, height};
+        auto usable = workArea(x, pixels) & pixels;
+        if (usable.isEmpty())
+            usable = pixels;
+        const Rect visible{frame.x + (usable.x() - pixels.x()) / scale,
+                           frame.maxY() - (usable.y() + usable.height() - pixels.y()) / scale,
+                           usable.width() / scale, usable.height() / scale};
+        const PixelGrid grid{{scale, scale},
+                             {pixels.x() - frame.x * scale, pixels.y() + frame.maxY() * scale}};
+        monitors.push_back({pixels, {frame, visible, scale}, grid});
+    }
+    return monitors;
+}
+
+const Monitor& mainMonitor(const XConnection& x, const std::vector<Monitor>& monitors) {
+    if (monitors.size() == 1)
+        return monitors.front();
+    const auto window = activeWindow(x);
+    auto size = x.reply(xcb_get_geometry_reply, xcb_get_geometry(x, window));
+    auto place =
+        x.reply(xcb_translate_coordinates_reply, xcb_translate_coordinates(x, window, x.root(), 0, 0));
+    if (!size || !place)
+        return monitors.front();
+    const QRect outline(place->dst_x, place->dst_y, size->width, size->height);
+    return *std::ranges::max_element(monitors, {}, [&](const Monitor& monitor) {
+        const auto common = monitor.pixels & outline;
+        return common.isEmpty() ? 0 : common.width() * common.height();
+    });
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,88 @@
+#include "Platform/Desktop/Outline.h"
+
+#include "Platform/Desktop/ColorOf.h"
+
+namespace platform::desktop {
+namespace {
+
+// How much of a pixel lies inside an edge at that distance from its middle, of 255.
+unsigned coverage(double distance) {
+    return static_cast<unsigned>(std::clamp(0.5 - distance, 0.0, 1.0) * 255 + 0.5);
+}
+
+constexpr QRgb scaled(QRgb color, unsigned share) {
+    constexpr QRgb pair = 0xFF00FF;
+    const auto multiplied = [&](QRgb two) {
+        return (two * share + (two * share >> 8U & pair) + 0x800080) >> 8U & pair;
+    };
+    return multiplied(color & pair) | multiplied(color >> 8U & pair) << 8U;
+}
+
+// Calls `change` for every pixel with the distance of its middle from the edge; it is the same for a run of
+// pixels between the corners, which come as one.
+template <typename Change>
+void forEachRun(QImage& picture, const QPoint& corner, const Outline& outline, Change change) {
+    const int width = picture.width();
+    const int straight = std::clamp(outline.firstStraightColumn() - corner.x(), 0, width);
+    const int end = std::clamp(outline.lastStraightColumn() - corner.x(), straight, width);
+    for (int y = 0; y < picture.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(picture.scanLine(y));
+        const double down = corner.y() + y + 0.5;
+        const auto at = [&](int x) { return outline.distance(corner.x() + x + 0.5, down); };
+        for (int x = 0; x < straight; ++x)
+            change(row + x, 1, down, at(x));
+        if (end > straight)
+            change(row + straight, end - straight, down, at((straight + end) / 2));
+        for (int x = end; x < width; ++x)
+            change(row + x, 1, down, at(x));
+    }
+}
+
+} // namespace
+
+Outline::Outline(const QRectF& outer, double wishedRadius)
+    : rect(outer),
+      radius(std::clamp(wishedRadius, 0.0, std::min(outer.width(), outer.height()) / 2)),
+      middle(outer.center()),
+      straightWidth(outer.width() / 2 - radius),
+      straightHeight(outer.height() / 2 - radius) {}
+
+int Outline::firstStraightColumn() const {
+    return static_cast<int>(std::ceil(rect.left() + std::max(radius, 1.0)));
+}
+
+int Outline::lastStraightColumn() const {
+    return static_cast<int>(std::floor(rect.right() - std::max(radius, 1.0)));
+}
+
+void clip(QImage& picture, const QPoint& corner, const Outline& outline) {
+    forEachRun(picture, corner, outline, [](QRgb* pixels, int count, double, double distance) {
+        const auto share = coverage(distance);
+        if (share < 255)
+            std::transform(pixels, pixels + count, pixels, [&](QRgb color) { return scaled(color, share); });
+    });
+}
+
+void strokeInside(QImage& picture, const QPoint& corner, const Outline& outline, double width,
+                  const Color& top, const Color& bottom) {
+    const auto colorAt = [&, from = colorOf(top).rgba64(), to = colorOf(bottom).rgba64()](double y) {
+        const double share = std::clamp((y - outline.rect.top()) / outline.rect.height(), 0.0, 1.0);
+        const auto between = [&](int one, int other) {
+            return static_cast<quint16>(one + (other - one) * share);
+        };
+        return qRgba64(between(from.red(), to.red()), between(from.green(), to.green()),
+                       between(from.blue(), to.blue()), between(from.alpha(), to.alpha()))
+            .premultiplied()
+            .toArgb32();
+    };
+    forEachRun(picture, corner, outline, [&](QRgb* pixels, int count, double y, double distance) {
+        const auto share = coverage(distance) - coverage(distance + width);
+        if (share == 0)
+            return;
+        const auto color = scaled(colorAt(y), share);
+        std::transform(pixels, pixels + count, pixels,
+                       [&](QRgb below) { return color + scaled(below, 255 - qAlpha(color)); });
+    });
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Platform/Desktop/WindowPicture.h"
+#include "Platform/Desktop/WindowSurface.h"
+#include "Platform/Foundation/Executor.h"
+
+namespace platform {
+class Window;
+}
+
+namespace platform::desktop {
+
+// A window that is on the display. Main thread.
+class ShownWindow {
+public:
+    ShownWindow(const XConnection& x, Window& window, double scale);
+
+    // Shows the window as it looks at the time, on the screen with that grid.
+    void draw(Duration time, const PixelGrid& grid, Backdrop backdrop);
+
+    // When to draw it; nothing while it is at rest.
+    std::optional<Duration> due;
+
+private:
+    void shapeSurface(Backdrop backdrop, bool isVisible);
+
+    Window& window;
+    WindowSurface surface;
+    WindowPicture picture;
+    double opacity = 0;
+};
+
+} // namespace platform::desktop

@@ -1,0 +1,331 @@
+#include "Desktop/KeyboardDisplay.h"
+#include "Platform/Desktop/DesktopWindowServer.h"
+#include "Platform/Desktop/QtRunLoop.h"
+#include "Platform/Headless/HeadlessHost.h"
+#include "Platform/Kit/Panel.h"
+#include "Platform/Kit/Transaction.h"
+#include "Platform/Kit/VisualEffectView.h"
+#include "Support/TemporaryFolder.h"
+
+#include <QGuiApplication>
+#include <gtest/gtest.h>
+#include <xcb/xfixes.h>
+
+namespace platform::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+using tests::comesTrue;
+using tests::DisplayProcess;
+
+// A machine in memory, but for its windows and its clock.
+class WindowsHost : public headless::HeadlessHost {
+public:
+    WindowsHost() : HeadlessHost(folder.path(), folder.path()) { setCurrent(this); }
+
+    WindowServer& windowServer() override { return server; }
+    RunLoop& mainRunLoop() override { return loop; }
+
+    DesktopWindowServer& desktop() { return server; }
+
+private:
+    static inline const tests::TemporaryFolder folder;
+    QtRunLoop loop;
+    DesktopWindowServer server{loop};
+};
+
+// Counts what the server was asked to draw.
+class CountingView : public VisualEffectView {
+public:
+    using VisualEffectView::VisualEffectView;
+    mutable int frames = 0;
+
+protected:
+    void draw(Drawing& drawing, const Rect& bounds) const override {
+        ++frames;
+        VisualEffectView::draw(drawing, bounds);
+    }
+};
+
+class WindowServerTest : public testing::Test {
+protected:
+    WindowServerTest() {
+        if (!comesTrue([&] { return x.property(x.root(), x.atom("_NET_CLIENT_LIST")).has_value(); }))
+            throw std::runtime_error("No window manager");
+        x.reply(xcb_xfixes_query_version_reply, xcb_xfixes_query_version(x, 2, 0));
+    }
+
+    // Somewhere in the top half of the screen.
+    std::shared_ptr<Panel> showPill() {
+        auto panel = std::make_shared<Panel>(place, Window::StyleMask::nonactivatingPanel);
+        panel->setFloatingPanel(true);
+        panel->isOpaque = false;
+        panel->setBackgroundColor(Color::clear());
+        panel->setContentView(body);
+        body->setMaterial(VisualEffect::Material::hudWindow);
+        body->layer()->setCornerRadius(22);
+        body->layer()->setMasksToBounds(true);
+        panel->orderFrontRegardless();
+        if (!comesTrue([&] { return isPill(frontWindow()) && isDark(middle); }))
+            throw std::runtime_error("The pill is not shown");
+        return panel;
+    }
+
+    void work(Duration duration = 50ms) const {
+        for (const auto end = tests::Clock::now() + duration; tests::Clock::now() < end;)
+            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
+    }
+
+    template <typename Condition>
+    bool comesTrue(Condition condition) const {
+        return tests::comesTrue([&] {
+            QCoreApplication::processEvents();
+            return condition();
+        });
+    }
+
+    // As the screen shows it.
+    QColor colorAt(const QPoint& point) const {
+        auto image =
+            x.reply(xcb_get_image_reply, xcb_get_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, x.root(),
+                                                       static_cast<std::int16_t>(point.x()),
+                                                       static_cast<std::int16_t>(point.y()), 1, 1, ~0U));
+        const auto* bytes = xcb_get_image_data(image.get());
+        return {bytes[2], bytes[1], bytes[0]};
+    }
+    bool isDark(const QPoint& point) const { return colorAt(point).value() < 80; }
+
+    // For the server and for a compositor, which paints the desktop by itself.
+    void makeDesktopWhite() const {
+        const auto white = x.screen().white_pixel;
+        const auto tile = xcb_generate_id(x);
+        const auto context = xcb_generate_id(x);
+        const xcb_rectangle_t all{0, 0, 1, 1};
+        xcb_create_pixmap(x, x.screen().root_depth, tile, x.root(), 1, 1);
+        xcb_create_gc(x, context, tile, XCB_GC_FOREGROUND, &white);
+        xcb_poly_fill_rectangle(x, tile, context, 1, &all);
+        xcb_change_window_attributes(x, x.root(), XCB_CW_BACK_PIXMAP, &tile);
+        xcb_clear_area(x, 0, x.root(), 0, 0, 0, 0);
+        x.setProperty(x.root(), x.atom("_XROOTPMAP_ID"), XCB_ATOM_PIXMAP, std::span(&tile, 1));
+        x.flush();
+    }
+
+    // The pill's own, which is the front one of all.
+    xcb_window_t frontWindow() const {
+        auto tree = x.reply(xcb_query_tree_reply, xcb_query_tree(x, x.root()));
+        const auto* windows = xcb_query_tree_children(tree.get());
+        for (int index = xcb_query_tree_children_length(tree.get()) - 1; index >= 0; --index) {
+            auto attributes =
+                x.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(x, windows[index]));
+            if (attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE)
+                return windows[index];
+        }
+        return XCB_NONE;
+    }
+
+    bool isPill(xcb_window_t window) const {
+        auto names = x.property(window, XCB_ATOM_WM_CLASS);
+        return names && names->bytes.find("Lumarin") != std::string::npos;
+    }
+
+    // The window that the pointer there is in, or the frame around it.
+    xcb_window_t windowBelow(const QPoint& point) const {
+        xcb_warp_pointer(x, XCB_NONE, x.root(), 0, 0, 0, 0, static_cast<std::int16_t>(point.x()),
+                         static_cast<std::int16_t>(point.y()));
+        return x.reply(xcb_query_pointer_reply, xcb_query_pointer(x, x.root()))->child;
+    }
+
+    xcb_window_t focus() const { return x.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x))->focus; }
+
+    tests::XServer display;
+    DisplayProcess windowManager{{"openbox"}, {}};
+
+private:
+    int argumentCount = 1;
+    std::string program = "test";
+    char* arguments = program.data();
+    const QGuiApplication application{argumentCount, &arguments};
+
+protected:
+    XConnection x;
+    WindowsHost host;
+    const Rect place{540, 600, 200, 44};
+    // On the screen of 1280 by 800 pixels.
+    const QPoint middle{640, 800 - 622};
+    const QPoint corner{541, 800 - 643};
+    std::shared_ptr<CountingView> body = std::make_shared<CountingView>();
+};
+
+TEST_F(WindowServerTest, NeverTakesTheKeyboardOrThePointer) {
+    TestApplication editor;
+    // As large as the screen, and at the pill's place.
+    run("xdotool windowsize --sync " + std::to_string(editor.window()) + " 1000 600 windowmove "
+        + std::to_string(editor.window()) + " 100 100");
+    const auto below = windowBelow(middle);
+    ASSERT_NE(below, xcb_window_t{XCB_NONE});
+    auto panel = showPill();
+    ASSERT_TRUE(isPill(frontWindow()));
+    EXPECT_EQ(focus(), editor.window());
+    EXPECT_EQ(x.propertyValue(x.root(), "_NET_ACTIVE_WINDOW"), editor.window());
+    // Its middle, its corner, its shadow.
+    for (const auto& point : {middle, corner, middle + QPoint(0, 30)})
+        EXPECT_EQ(windowBelow(point), below);
+    run("xdotool mousemove 640 178 click 1");
+    work();
+    EXPECT_EQ(focus(), editor.window());
+    EXPECT_TRUE(isPill(frontWindow()));
+    // No window manager's business: it is in no list of windows.
+    const auto managed = x.property(x.root(), x.atom("_NET_CLIENT_LIST"))->values();
+    EXPECT_EQ(std::ranges::count(managed, frontWindow()), 0);
+    panel->orderOut();
+    EXPECT_TRUE(comesTrue([&] { return !isPill(frontWindow()); }));
+}
+
+TEST_F(WindowServerTest, IsOverAFullScreenWindowAlsoOneThatComesToTheFrontLater) {
+    const auto becomeFullScreen = [&](const TestApplication& shown) {
+        xcb_client_message_event_t wish{};
+        wish.response_type = XCB_CLIENT_MESSAGE;
+        wish.format = 32;
+        wish.window = shown.window();
+        wish.type = x.atom("_NET_WM_STATE");
+        wish.data.data32[0] = 1;
+        wish.data.data32[1] = x.atom("_NET_WM_STATE_FULLSCREEN");
+        xcb_send_event(x, 0, x.root(),
+                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                       reinterpret_cast<const char*>(&wish));
+        x.flush();
+        return comesTrue([&] {
+            auto size = x.reply(xcb_get_geometry_reply, xcb_get_geometry(x, shown.window()));
+            return size->width == 1280 && size->height == 800;
+        });
+    };
+    const TestApplication film("film");
+    ASSERT_TRUE(becomeFullScreen(film));
+    auto panel = showPill();
+    EXPECT_TRUE(isPill(frontWindow()));
+    const TestApplication other("other");
+    ASSERT_TRUE(becomeFullScreen(other));
+    EXPECT_TRUE(comesTrue([&] { return isPill(frontWindow()) && isDark(middle); }));
+    work(200ms);
+    EXPECT_TRUE(isPill(frontWindow()));
+}
+
+TEST_F(WindowServerTest, DrawsOnlyWhileSomethingMoves) {
+    auto panel = showPill();
+    work(100ms);
+    body->frames = 0;
+    work(300ms);
+    EXPECT_EQ(body->frames, 0);
+
+    // Many changes, one drawing.
+    for (int change = 0; change < 50; ++change)
+        body->layer()->setBackgroundColor(Color::white(change / 100.0, 0.5));
+    work(100ms);
+    EXPECT_EQ(body->frames, 1);
+
+    body->frames = 0;
+    {
+        const Transaction transaction(500ms);
+        body->layer()->setOpacity(0.5F);
+    }
+    work(700ms);
+    // Sixty a second, and not one more; some are lost on a machine that does other things too.
+    EXPECT_LE(body->frames, 33);
+    EXPECT_GE(body->frames, 15);
+
+    body->frames = 0;
+    const BasicAnimation pulse{
+        {.keyPath = "opacity", .duration = 1s, .repeatCount = Animation::forever}, 1.0, 0.0};
+    body->layer()->addAnimation(pulse, "pulse");
+    work(100ms);
+    EXPECT_GT(body->frames, 0);
+    panel->orderOut();
+    body->frames = 0;
+    work(200ms);
+    EXPECT_EQ(body->frames, 0);
+}
+
+TEST_F(WindowServerTest, IsCutOutWithoutACompositorAndCastsAShadowWithOne) {
+    const QPoint shadow = middle + QPoint(0, 28);
+    makeDesktopWhite();
+    auto panel = showPill();
+    EXPECT_TRUE(isDark(middle));
+    EXPECT_EQ(colorAt(corner), QColor(Qt::white));
+    EXPECT_EQ(colorAt(shadow), QColor(Qt::white));
+    {
+        const DisplayProcess compositor({"picom", "--backend", "xrender", "--config", "/dev/null"}, {});
+        // A light one.
+        EXPECT_TRUE(comesTrue([&] {
+            const int value = colorAt(shadow).value();
+            return value > 150 && value < 250;
+        }));
+        EXPECT_TRUE(comesTrue([&] { return colorAt(corner).value() > 100; }));
+        EXPECT_TRUE(isDark(middle));
+    }
+    EXPECT_TRUE(comesTrue([&] { return colorAt(shadow) == QColor(Qt::white); }));
+    EXPECT_TRUE(isDark(middle));
+
+    // Invisible is not there at all, but half visible is.
+    panel->setAlphaValue(0);
+    EXPECT_TRUE(comesTrue([&] { return colorAt(middle) == QColor(Qt::white); }));
+    panel->setAlphaValue(0.5);
+    EXPECT_TRUE(comesTrue([&] { return isDark(middle); }));
+}
+
+TEST_F(WindowServerTest, AsksForBlurWhereItIsDone) {
+    const DisplayProcess compositor({"picom", "--backend", "xrender", "--config", "/dev/null"}, {});
+    const auto blurred = x.atom("_KDE_NET_WM_BLUR_BEHIND_REGION");
+    ASSERT_TRUE(comesTrue([&] {
+        return x.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x, x.atom("_NET_WM_CM_S0")))
+                   ->owner
+               != XCB_NONE;
+    }));
+    x.setProperty(x.root(), blurred, XCB_ATOM_CARDINAL, std::vector<std::uint32_t>{0});
+    x.flush();
+    auto panel = showPill();
+    const auto values = x.property(frontWindow(), blurred).value().values();
+    ASSERT_EQ(values.size() % 4, 0U);
+    auto origin = x.reply(xcb_get_geometry_reply, xcb_get_geometry(x, frontWindow()));
+    QRect region;
+    for (std::size_t index = 0; index < values.size(); index += 4)
+        region |= QRect(static_cast<int>(values[index]), static_cast<int>(values[index + 1]),
+                        static_cast<int>(values[index + 2]), static_cast<int>(values[index + 3]));
+    EXPECT_EQ(region.translated(origin->x, origin->y), QRect(540, 800 - 644, 200, 44));
+    EXPECT_GT(values.size(), 40U);
+}
+
+TEST_F(WindowServerTest, KnowsTheScreenAndWhatIsFreeOfBars) {
+    const auto screen = host.desktop().mainScreen().value();
+    EXPECT_EQ(screen.frame, (Rect{0, 0, 1280, 800}));
+    EXPECT_EQ(screen.visibleFrame, screen.frame);
+    TestApplication bar("bar");
+    const std::vector<std::uint32_t> atTheTop{0, 0, 30, 0};
+    x.setProperty(bar.window(), x.atom("_NET_WM_STRUT"), XCB_ATOM_CARDINAL, atTheTop);
+    x.flush();
+    EXPECT_TRUE(comesTrue([&] {
+        return host.desktop().mainScreen().value().visibleFrame == Rect{0, 0, 1280, 770};
+    }));
+}
+
+TEST_F(WindowServerTest, FollowsTheWindowThatHasTheKeyboardFromMonitorToMonitor) {
+    const auto frame = [&] {
+        const auto screen = host.desktop().mainScreen();
+        return screen ? screen->frame : Rect();
+    };
+    run("xrandr --setmonitor left 800/200x600/150+0+0 screen");
+    run("xrandr --setmonitor '*right' 480/120x800/200+800+0 none");
+    // The primary one is the right one; what is left of it has negative places.
+    EXPECT_EQ(frame(), (Rect{0, 0, 480, 800}));
+    const TestApplication writer("writer");
+    const auto move = [&](int left) {
+        run("xdotool windowmove --sync " + std::to_string(writer.window()) + ' ' + std::to_string(left)
+            + " 100");
+    };
+    move(100);
+    EXPECT_TRUE(comesTrue([&] { return frame() == Rect{-800, 200, 800, 600}; }));
+    move(900);
+    EXPECT_TRUE(comesTrue([&] { return frame() == Rect{0, 0, 480, 800}; }));
+}
+
+} // namespace
+} // namespace platform::desktop
