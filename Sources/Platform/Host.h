@@ -9,9 +9,12 @@
 #include "Platform/Input/Keyboard.h"
 #include "Platform/Input/Pasteboard.h"
 #include "Platform/Input/Workspace.h"
+#include "Platform/Kit/Alert.h"
 #include "Platform/Kit/Application.h"
 #include "Platform/Kit/StatusItem.h"
 #include "Platform/Kit/WindowServer.h"
+#include "Platform/LoginItem.h"
+#include "Platform/SystemFacts.h"
 
 #include <memory>
 #include <string>
@@ -32,10 +35,13 @@ public:
     virtual Application& application() = 0;
     virtual StatusBar& statusBar() = 0;
     virtual WindowServer& windowServer() = 0;
+    virtual Alerts& alerts() = 0;
 
     // Works on the main run loop until `endEventLoop` is called.
     virtual void runEventLoop() = 0;
     virtual void endEventLoop() = 0;
+    // Windows shown from now on come before those of other applications, and those that are shown come there.
+    virtual void activate() = 0;
     virtual RunLoop& mainRunLoop() = 0;
     virtual Executor& backgroundExecutor() = 0;
 
@@ -45,6 +51,11 @@ public:
 
     // Whether this process may watch and post keys.
     virtual bool isProcessTrusted() = 0;
+    // The same, and where it may not, the person is told what is missing and how to get it. Returns at once.
+    virtual bool promptForTrust() = 0;
+
+    virtual LoginItem& loginItem() = 0;
+    virtual SystemFacts systemFacts() = 0;
 
     virtual const Directories& directories() = 0;
     virtual const Bundle& mainBundle() = 0;

@@ -1,19 +1,59 @@
 #include "main/AppDelegate.h"
 
+#include "Core/LocalizationManager.h"
 #include "Core/Logger.h"
 #include "Platform/Host.h"
+
+#include <array>
 
 namespace lumarin {
 
 using platform::Host;
 
+namespace {
+
+platform::Symbol symbolFor(TranslationState state) {
+    constexpr std::array names{
+        "character.bubble", "text.magnifyingglass", "arrow.triangle.2.circlepath", "eye",
+        "checkmark.circle", "arrow.uturn.backward"};
+    return {names[static_cast<std::size_t>(state)], "Lumarin"};
+}
+
+} // namespace
+
 void AppDelegate::applicationDidFinishLaunching() {
     LumLog::log("applicationDidFinishLaunching");
     setupEditMenu();
-    statusItem = Host::current().statusBar().makeStatusItem();
-    statusItem->setImage({"character.bubble", "Lumarin"});
+    statusItem_ = Host::current().statusBar().makeStatusItem();
+    statusItem_->setImage(symbolFor(TranslationState::idle));
+    setupMenu();
     stateMachine->setup();
+    subscribe();
+    registerLoginItem();
+    if (!statusItem_->isVisible())
+        LumLog::log("This desktop has no status bar yet; the icon appears when there is one");
     LumLog::log("App started");
+}
+
+void AppDelegate::subscribe() {
+    const auto self = weak_from_this();
+    auto rebuild = [self] {
+        if (auto delegate = self.lock())
+            delegate->setupMenu();
+    };
+    subscriptions.push_back(stateMachine->state.subscribe([self](TranslationState state) {
+        if (auto delegate = self.lock())
+            delegate->updateIcon(state);
+    }));
+    subscriptions.push_back(stateMachine->currentStyle.subscribe([rebuild](auto) { rebuild(); }));
+    subscriptions.push_back(stateMachine->currentLanguage.subscribe([rebuild](auto) { rebuild(); }));
+    subscriptions.push_back(stateMachine->currentMode.subscribe([rebuild](auto) { rebuild(); }));
+    subscriptions.push_back(
+        Host::current().notificationCenter().observe(LocalizationManager::languageChanged, rebuild));
+}
+
+void AppDelegate::updateIcon(TranslationState state) {
+    statusItem_->setImage(symbolFor(state));
 }
 
 // Never seen, but its key equivalents are those of the program's own windows.

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Core/TranslationStateMachine.h"
+#include "Platform/Foundation/Observers.h"
 #include "Platform/Kit/Application.h"
-#include "Platform/Kit/StatusItem.h"
 
 #include <memory>
 #include <vector>
@@ -14,12 +14,37 @@ namespace lumarin {
 class AppDelegate : public platform::ApplicationDelegate, public std::enable_shared_from_this<AppDelegate> {
 public:
     void applicationDidFinishLaunching() override;
+    platform::StatusItem* statusItem() override { return statusItem_.get(); }
 
 private:
     void setupEditMenu();
+    void subscribe();
+    void updateIcon(TranslationState state);
 
-    std::unique_ptr<platform::StatusItem> statusItem;
+    // Builds the status menu anew from all that is chosen.
+    void setupMenu();
+    platform::MenuItem modeItem();
+    platform::MenuItem languageItem();
+    platform::MenuItem styleItem();
+    platform::MenuItem uiLanguageItem();
+
+    // What the items do. One that carries nothing of use changes nothing.
+    using MenuAction = void (AppDelegate::*)(const platform::MenuItem&);
+    void changeMode(const platform::MenuItem& chosen);
+    void changeLanguage(const platform::MenuItem& chosen);
+    void changeStyle(const platform::MenuItem& chosen);
+    void changeUILanguage(const platform::MenuItem& chosen);
+    void toggleLoginItem(const platform::MenuItem& chosen);
+    void generateDiagnostics(const platform::MenuItem& chosen);
+
+    // An item that does that for as long as there is a delegate.
+    platform::MenuItem makeItem(std::string title, MenuAction action, std::any representedObject = {});
+
+    void registerLoginItem();
+
+    std::unique_ptr<platform::StatusItem> statusItem_;
     const std::shared_ptr<TranslationStateMachine> stateMachine = std::make_shared<TranslationStateMachine>();
+    std::vector<platform::Subscription> subscriptions;
 };
 
 } // namespace lumarin

@@ -1,6 +1,6 @@
 #include "Platform/Desktop/DesktopHost.h"
+#include "Platform/Desktop/SessionFacts.h"
 #include "Platform/Desktop/SingleInstance.h"
-#include "Platform/Desktop/SystemFacts.h"
 #include "main/Launch.h"
 
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "Desktop/KeyboardDisplay.h"
 #include "Platform/Desktop/DesktopWorkspace.h"
-#include "Platform/Desktop/SystemFacts.h"
+#include "Platform/Desktop/SessionFacts.h"
 #include "Support/TemporaryFolder.h"
 
 #include <array>

@@ -1,5 +1,7 @@
 #include "Platform/Desktop/ActiveWindow.h"
 
+#include <array>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -47,6 +49,23 @@ xcb_window_t activeWindow(const XConnection& x) {
         return topLevelAround(x, focus->focus);
     auto pointer = x.reply(xcb_query_pointer_reply, xcb_query_pointer(x, x.root()));
     return pointer ? pointer->child : xcb_window_t{XCB_NONE};
+}
+
+void bringToFront(const XConnection& x, xcb_window_t window) {
+    xcb_client_message_event_t request{};
+    request.response_type = XCB_CLIENT_MESSAGE;
+    request.format = 32;
+    request.window = window;
+    request.type = x.atom("_NET_ACTIVE_WINDOW");
+    // On behalf of the user, as a pager does it: window managers heed that at any time.
+    constexpr std::uint32_t pager = 2;
+    request.data.data32[0] = pager;
+    request.data.data32[1] = XCB_CURRENT_TIME;
+    std::array<char, 32> message{};
+    std::memcpy(message.data(), &request, sizeof request);
+    xcb_send_event(x, 0, x.root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   message.data());
+    x.flush();
 }
 
 WindowClass windowClassOf(const XConnection& x, xcb_window_t window) {

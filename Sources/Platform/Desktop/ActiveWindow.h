@@ -10,6 +10,9 @@ namespace platform::desktop {
 // None while nothing has it. Any thread.
 xcb_window_t activeWindow(const XConnection& x);
 
+// Asks the window manager to bring the window to the front and to give it the keyboard.
+void bringToFront(const XConnection& x, xcb_window_t window);
+
 // The two names a window gives its kind by.
 struct WindowClass {
     std::string instance;

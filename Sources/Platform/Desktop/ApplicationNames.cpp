@@ -2,6 +2,8 @@
 
 #include "Platform/Desktop/DesktopEntry.h"
 
+#include <algorithm>
+
 #include <strings.h>
 
 namespace platform::desktop {
@@ -23,32 +25,37 @@ bool isCalledAfter(const WindowClass& windowClass, const std::string& fileName) 
 
 } // namespace
 
-std::optional<std::string> ApplicationNames::nameOf(const WindowClass& windowClass) {
-    auto key = windowClass.instance + '\n' + windowClass.name;
-    auto found = known.find(key);
+ApplicationNames::ApplicationNames(std::vector<std::filesystem::path> folders,
+                                   std::vector<std::string> locales)
+    : applications(std::async(std::launch::async, read, std::move(folders), std::move(locales))) {}
+
+std::optional<std::string> ApplicationNames::nameOf(const WindowClass& windowClass) const {
+    if (applications.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+        return std::nullopt;
+    const auto& known = applications.get();
+    auto found = std::ranges::find_if(
+        known, [&](const Application& one) { return isNameOf(windowClass, one.windowClass); });
     if (found == known.end())
-        found = known.emplace(key, find(windowClass)).first;
-    return found->second;
+        found = std::ranges::find_if(
+            known, [&](const Application& one) { return isCalledAfter(windowClass, one.fileName); });
+    return found == known.end() ? std::nullopt : found->name;
 }
 
-std::optional<std::string> ApplicationNames::find(const WindowClass& windowClass) const {
-    std::optional<std::string> byFileName;
+std::vector<ApplicationNames::Application>
+ApplicationNames::read(const std::vector<std::filesystem::path>& folders,
+                       const std::vector<std::string>& locales) {
+    std::vector<Application> result;
     for (const auto& folder : folders) {
         std::error_code error;
         for (const auto& file : std::filesystem::directory_iterator(folder / "applications", error)) {
             if (file.path().extension() != ".desktop")
                 continue;
-            bool fits = !byFileName && isCalledAfter(windowClass, file.path().stem().string());
-            auto entry = DesktopEntry::read(file.path());
-            if (!entry)
-                continue;
-            if (isNameOf(windowClass, entry->value("StartupWMClass").value_or("")))
-                return entry->localizedValue("Name", locales);
-            if (fits)
-                byFileName = entry->localizedValue("Name", locales);
+            if (const auto entry = DesktopEntry::read(file.path()))
+                result.push_back({file.path().stem().string(), entry->value("StartupWMClass").value_or(""),
+                                  entry->localizedValue("Name", locales)});
         }
     }
-    return byFileName;
+    return result;
 }
 
 } // namespace platform::desktop

@@ -3,26 +3,32 @@
 #include "Platform/Desktop/ActiveWindow.h"
 
 #include <filesystem>
-#include <map>
+#include <future>
 
 namespace platform::desktop {
 
-// The names people know applications by, from the desktop's files about them. One thread.
+// The names people know applications by, from the desktop's files about them, which are read in the
+// background from the beginning. One thread.
 class ApplicationNames {
 public:
     // The folders that hold "applications", the most important first, and the user's locales ("zh_CN", "zh").
-    ApplicationNames(std::vector<std::filesystem::path> dataFolders, std::vector<std::string> userLocales)
-        : folders(std::move(dataFolders)), locales(std::move(userLocales)) {}
+    ApplicationNames(std::vector<std::filesystem::path> folders, std::vector<std::string> locales);
 
-    // The name of the application whose windows are of that class, if the desktop has a file about it.
-    std::optional<std::string> nameOf(const WindowClass& windowClass);
+    // The name of the application whose windows are of that class, if the desktop has a file about it and
+    // that has been read.
+    std::optional<std::string> nameOf(const WindowClass& windowClass) const;
 
 private:
-    std::optional<std::string> find(const WindowClass& windowClass) const;
+    struct Application {
+        std::string fileName;
+        std::string windowClass;
+        std::optional<std::string> name;
+    };
 
-    std::vector<std::filesystem::path> folders;
-    std::vector<std::string> locales;
-    std::map<std::string, std::optional<std::string>> known;
+    static std::vector<Application> read(const std::vector<std::filesystem::path>& folders,
+                                         const std::vector<std::string>& locales);
+
+    std::shared_future<std::vector<Application>> applications;
 };
 
 } // namespace platform::desktop

@@ -1,10 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/XConnection.h"
-
-#include <functional>
-
-#include <QAbstractNativeEventFilter>
+#include "Platform/Desktop/OwnerWatch.h"
 
 namespace platform::desktop {
 
@@ -12,20 +8,17 @@ namespace platform::desktop {
 enum class Backdrop { none, plain, blurred };
 
 // The program that puts windows together on the screen, which may come and go. Main thread.
-class Compositor : public QAbstractNativeEventFilter {
+class Compositor {
 public:
     // `changed` is called after it came or went.
-    Compositor(const XConnection& x, std::function<void()> changed);
+    Compositor(const XConnection& display, std::function<void()> changed)
+        : x(display), watch(x, "_NET_WM_CM", std::move(changed)) {}
 
     Backdrop backdrop() const;
 
-    bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
-
 private:
     const XConnection& x;
-    const std::function<void()> report;
-    xcb_atom_t selection;
-    int selectionEvent = 0;
+    OwnerWatch watch;
 };
 
 } // namespace platform::desktop

@@ -2,13 +2,16 @@
 
 #include "Platform/Desktop/DesktopWindowServer.h"
 #include "Platform/Desktop/KeyboardNoticeFilter.h"
-#include "Platform/Desktop/SystemFacts.h"
+#include "Platform/Desktop/MachineFacts.h"
+#include "Platform/Desktop/SessionFacts.h"
+#include "Platform/Desktop/TrustObstacle.h"
 #include "Platform/Foundation/CurlSession.h"
 
 #include <atomic>
 #include <cstdio>
 
 #include <QApplication>
+#include <QWindow>
 
 namespace platform::desktop {
 
@@ -37,6 +40,12 @@ DesktopHost::DesktopHost(int& argumentCount, char** arguments)
       applications(display, ApplicationNames(dataFolders(), preferredLocales())),
       folders(sessionDirectories()),
       bundle(folders.resources),
+      bar(display, bundle,
+          [this](const std::string& command) {
+              if (command == "terminate:")
+                  app.terminate();
+          }),
+      autostart(folders.configuration.parent_path() / "autostart", folders.executable),
       defaults(folders.configuration / "defaults.json") {
     // A program without windows is running all the same.
     qt->setQuitOnLastWindowClosed(false);
@@ -55,11 +64,31 @@ void DesktopHost::runEventLoop() {
 }
 
 void DesktopHost::endEventLoop() {
-    QApplication::quit();
+    // An open alert may not keep the program from it, as it may where windows are asked to close first.
+    QApplication::exit();
+}
+
+void DesktopHost::activate() {
+    for (auto* window : QGuiApplication::topLevelWindows()) {
+        const bool isOrdinary = window->type() == Qt::Window || window->type() == Qt::Dialog;
+        if (isOrdinary && window->isVisible() && !window->flags().testFlag(Qt::BypassWindowManagerHint))
+            bringToFront(display, static_cast<xcb_window_t>(window->winId()));
+    }
 }
 
 bool DesktopHost::isProcessTrusted() {
-    return KeyWatch::isPossible(display) && !isWaylandSession(display);
+    return trustObstacle(display) == nullptr;
+}
+
+bool DesktopHost::promptForTrust() {
+    const auto* obstacle = trustObstacle(display);
+    if (obstacle)
+        alertWindows.tell({Alert::Style::warning, texts.text("trust.title"), texts.text(obstacle), {}});
+    return !obstacle;
+}
+
+SystemFacts DesktopHost::systemFacts() {
+    return machineFacts();
 }
 
 std::vector<std::string> DesktopHost::preferredLanguages() {

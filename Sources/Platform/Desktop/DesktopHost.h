@@ -1,6 +1,8 @@
 #pragma once
 
+#include "Platform/Desktop/DesktopAlerts.h"
 #include "Platform/Desktop/DesktopKeyboard.h"
+#include "Platform/Desktop/DesktopLoginItem.h"
 #include "Platform/Desktop/DesktopPasteboard.h"
 #include "Platform/Desktop/DesktopStatusBar.h"
 #include "Platform/Desktop/DesktopWorkspace.h"
@@ -26,14 +28,19 @@ public:
     Application& application() override { return app; }
     StatusBar& statusBar() override { return bar; }
     WindowServer& windowServer() override { return *windows; }
+    Alerts& alerts() override { return alertWindows; }
     void runEventLoop() override;
     void endEventLoop() override;
+    void activate() override;
     RunLoop& mainRunLoop() override { return *runLoop; }
     Executor& backgroundExecutor() override { return worker.runLoop(); }
     Keyboard& keyboard() override { return *keys; }
     Pasteboard& generalPasteboard() override { return pasteboard; }
     Workspace& workspace() override { return applications; }
     bool isProcessTrusted() override;
+    bool promptForTrust() override;
+    LoginItem& loginItem() override { return autostart; }
+    SystemFacts systemFacts() override;
     const Directories& directories() override { return folders; }
     const Bundle& mainBundle() override { return bundle; }
     UserDefaults& userDefaults() override { return defaults; }
@@ -56,8 +63,11 @@ private:
     DesktopWorkspace applications;
     const Directories folders;
     const Bundle bundle;
-    DesktopStatusBar bar{bundle};
     Application app;
+    const HostTexts texts{bundle, app};
+    DesktopAlerts alertWindows{display, texts};
+    DesktopStatusBar bar;
+    DesktopLoginItem autostart;
     UserDefaults defaults;
     NotificationCenter notifications;
     // Last: its thread uses what stands above.

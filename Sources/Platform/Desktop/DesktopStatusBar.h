@@ -1,20 +1,24 @@
 #pragma once
 
-#include "Platform/Foundation/Bundle.h"
-#include "Platform/Kit/StatusItem.h"
+#include "Platform/Desktop/DesktopStatusItem.h"
 
 namespace platform::desktop {
 
-// The desktop's tray. An item waits for a tray to appear where there is none yet. Main thread.
+// The desktop's tray. Main thread.
 class DesktopStatusBar : public StatusBar {
 public:
-    // The drawings are the bundle's, Symbols/<name>.svg.
-    explicit DesktopStatusBar(const Bundle& drawings) : bundle(drawings) {}
+    // The drawings are the bundle's, Symbols/<name>.svg; `command` is told the commands chosen in menus.
+    DesktopStatusBar(const XConnection& display, const Bundle& drawings, NativeMenu::Command command)
+        : x(display), bundle(drawings), perform(std::move(command)) {}
 
-    std::unique_ptr<StatusItem> makeStatusItem() override;
+    std::unique_ptr<StatusItem> makeStatusItem() override {
+        return std::make_unique<DesktopStatusItem>(x, bundle, perform);
+    }
 
 private:
+    const XConnection& x;
     const Bundle& bundle;
+    const NativeMenu::Command perform;
 };
 
 } // namespace platform::desktop

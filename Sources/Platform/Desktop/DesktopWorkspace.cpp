@@ -1,8 +1,5 @@
 #include "Platform/Desktop/DesktopWorkspace.h"
 
-#include <array>
-#include <cstring>
-
 namespace platform::desktop {
 
 namespace {
@@ -28,20 +25,7 @@ void DesktopWorkspace::activate(const RunningApplication& application) {
     if (!exists || identifierOf(window, processOf(x, window)) != application.identifier
         || activeWindow(x) == window)
         return;
-    xcb_client_message_event_t request{};
-    request.response_type = XCB_CLIENT_MESSAGE;
-    request.format = 32;
-    request.window = window;
-    request.type = x.atom("_NET_ACTIVE_WINDOW");
-    // On behalf of the user, as a pager does it: window managers heed that at any time.
-    constexpr std::uint32_t pager = 2;
-    request.data.data32[0] = pager;
-    request.data.data32[1] = XCB_CURRENT_TIME;
-    std::array<char, 32> message{};
-    std::memcpy(message.data(), &request, sizeof request);
-    xcb_send_event(x, 0, x.root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   message.data());
-    x.flush();
+    bringToFront(x, window);
 }
 
 std::optional<std::string> DesktopWorkspace::nameOf(xcb_window_t window, std::optional<pid_t> process) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Desktop/ApplicationNames.h"
+#include "Platform/Desktop/FileReveal.h"
 #include "Platform/Input/Workspace.h"
 
 namespace platform::desktop {
@@ -13,6 +14,7 @@ public:
 
     std::optional<RunningApplication> frontmostApplication() override;
     void activate(const RunningApplication& application) override;
+    void reveal(const std::filesystem::path& file) override { revealFile(file); }
 
 private:
     std::optional<std::string> nameOf(xcb_window_t window, std::optional<pid_t> process);

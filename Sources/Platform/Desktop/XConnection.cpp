@@ -18,8 +18,7 @@ std::vector<std::uint32_t> XProperty::values() const {
 }
 
 XConnection::XConnection() {
-    int screenNumber = 0;
-    connection.reset(xcb_connect(nullptr, &screenNumber));
+    connection.reset(xcb_connect(nullptr, &number));
     if (xcb_connection_has_error(get())) {
         const char* display = std::getenv("DISPLAY");
         throw DisplayError(display && *display
@@ -27,7 +26,7 @@ XConnection::XConnection() {
                                : "There is no X display: the variable DISPLAY is not set.");
     }
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(get()));
-    for (; screenNumber > 0; --screenNumber)
+    for (int before = number; before > 0; --before)
         xcb_screen_next(&screens);
     defaultScreen = screens.data;
 }

@@ -48,6 +48,7 @@ public:
     operator xcb_connection_t*() const { return connection.get(); }
     const xcb_screen_t& screen() const { return *defaultScreen; }
     xcb_window_t root() const { return defaultScreen->root; }
+    int screenNumber() const { return number; }
 
     // The reply to a request; nothing when the server answered with an error or the connection broke:
     // x.reply(xcb_query_tree_reply, xcb_query_tree(x, window)).
@@ -93,6 +94,7 @@ private:
 
     std::unique_ptr<xcb_connection_t, Disconnect> connection;
     const xcb_screen_t* defaultScreen = nullptr;
+    int number = 0;
     mutable std::mutex mutex;
     mutable std::map<std::string, xcb_atom_t> atoms;
 };

@@ -1,21 +1,23 @@
 #include "Platform/Foundation/Dates.h"
 
 #include <array>
-#include <cstdio>
+#include <ctime>
 
 namespace platform {
 
 std::string iso8601(std::chrono::system_clock::time_point time) {
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
-    const auto day = std::chrono::floor<std::chrono::days>(seconds);
-    const std::chrono::year_month_day date(day);
-    const std::chrono::hh_mm_ss clock(seconds - day);
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
-                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                  static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                  static_cast<int>(clock.seconds().count()));
-    return text.data();
+    return formatted(time, "%Y-%m-%dT%H:%M:%SZ", TimeZone::utc);
+}
+
+std::string formatted(std::chrono::system_clock::time_point time, const char* pattern, TimeZone zone) {
+    const auto seconds = std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(time));
+    std::tm parts{};
+    if (zone == TimeZone::utc)
+        gmtime_r(&seconds, &parts);
+    else
+        localtime_r(&seconds, &parts);
+    std::array<char, 128> text{};
+    return {text.data(), std::strftime(text.data(), text.size(), pattern, &parts)};
 }
 
 } // namespace platform

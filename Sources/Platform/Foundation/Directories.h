@@ -13,6 +13,8 @@ struct Directories {
     std::filesystem::path downloads;
     std::filesystem::path executable; // the program file itself
     std::filesystem::path resources;
+    // Where applications are installed for all users.
+    std::filesystem::path applications = "/Applications";
 };
 
 } // namespace platform

@@ -11,6 +11,7 @@ Directories foldersBelow(const std::filesystem::path& root, const std::filesyste
     folders.downloads = root / "Downloads";
     folders.executable = root / "bin" / "Lumarin";
     folders.resources = resources;
+    folders.applications = root / "Applications";
     return folders;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Platform/Headless/FocusedField.h"
+#include "Platform/Headless/HeadlessAlerts.h"
 #include "Platform/Headless/HeadlessKeyboard.h"
+#include "Platform/Headless/HeadlessLoginItem.h"
 #include "Platform/Headless/HeadlessPasteboard.h"
 #include "Platform/Headless/HeadlessStatusBar.h"
 #include "Platform/Headless/HeadlessWindowServer.h"
@@ -31,7 +33,12 @@ public:
     HeadlessKeyboard keys{field};
     HeadlessWorkspace applications;
     bool isRunning = false;
+    int activations = 0;
+    int trustPrompts = 0;
     HeadlessStatusBar bar;
+    HeadlessAlerts alertsShown;
+    HeadlessLoginItem login;
+    SystemFacts facts{"Version 14.5 (Build 23F79)", "Mac14,2"};
     ScriptedHTTP network{clock};
     std::vector<std::string> languages{"en-US"};
     // Makes the sessions; those of `network` if it is empty.
@@ -40,15 +47,23 @@ public:
     Application& application() override { return app; }
     StatusBar& statusBar() override { return bar; }
     WindowServer& windowServer() override { return windows; }
+    Alerts& alerts() override { return alertsShown; }
     // The test is the event loop: it advances the clock.
     void runEventLoop() override { isRunning = true; }
     void endEventLoop() override { isRunning = false; }
+    void activate() override { ++activations; }
     RunLoop& mainRunLoop() override { return clock; }
     Executor& backgroundExecutor() override { return background; }
     Keyboard& keyboard() override { return keys; }
     Pasteboard& generalPasteboard() override { return pasteboard; }
     Workspace& workspace() override { return applications; }
     bool isProcessTrusted() override { return keys.isPermitted; }
+    bool promptForTrust() override {
+        ++trustPrompts;
+        return keys.isPermitted;
+    }
+    LoginItem& loginItem() override { return login; }
+    SystemFacts systemFacts() override { return facts; }
     const Directories& directories() override { return folders; }
     const Bundle& mainBundle() override { return bundle; }
     UserDefaults& userDefaults() override { return defaults; }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -23,6 +24,9 @@ public:
     // Brings the application's window to the front and gives it the keyboard; nothing happens if it has
     // ended.
     virtual void activate(const RunningApplication& application) = 0;
+
+    // Shows the file in the desktop's file manager, selected where that can select.
+    virtual void reveal(const std::filesystem::path& file) = 0;
 };
 
 } // namespace platform

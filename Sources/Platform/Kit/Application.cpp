@@ -12,6 +12,10 @@ void Application::run() {
     Host::current().runEventLoop();
 }
 
+void Application::activate() {
+    Host::current().activate();
+}
+
 void Application::terminate() {
     Host::current().endEventLoop();
 }

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "Platform/Kit/Menu.h"
+#include "Platform/Kit/StatusItem.h"
 
 #include <memory>
+#include <string>
 
 namespace platform {
 
@@ -12,6 +13,9 @@ public:
     virtual ~ApplicationDelegate() = default;
 
     virtual void applicationDidFinishLaunching() = 0;
+
+    // The program's icon in the status bar, null before there is one. Owned by the delegate.
+    virtual StatusItem* statusItem() = 0;
 };
 
 // An accessory application has no icon among the running ones and no menu bar, but may show windows.
@@ -25,9 +29,15 @@ public:
     std::weak_ptr<ApplicationDelegate> delegate;
     // Never shown by an accessory application; its key equivalents work in the program's windows.
     std::shared_ptr<Menu> mainMenu;
+    // The folder of the bundle's texts that are in use, "en"; the host's own texts go by it. Empty for those
+    // of the system's language.
+    std::string localization;
 
     // Tells the delegate when launching has finished, and returns when the event loop has ended. Once.
     void run();
+
+    // Brings the program's windows to the front, whatever application is there.
+    void activate();
 
     // Ends the event loop.
     void terminate();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Kit/Menu.h"
+
 #include <memory>
 #include <string>
 
@@ -17,6 +19,15 @@ public:
     virtual ~StatusItem() = default;
 
     virtual void setImage(const Symbol& symbol) = 0;
+
+    // What a click opens. It is not changed any more; another one takes its place, also while it is open.
+    virtual void setMenu(std::shared_ptr<const Menu> menu) = 0;
+
+    // Opens the menu, as a click does.
+    virtual void performClick() = 0;
+
+    // Whether there is a place to show it in. One that has none yet is shown when there is.
+    virtual bool isVisible() const = 0;
 };
 
 class StatusBar {

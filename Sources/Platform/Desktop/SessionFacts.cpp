@@ -1,4 +1,4 @@
-#include "Platform/Desktop/SystemFacts.h"
+#include "Platform/Desktop/SessionFacts.h"
 
 #include <QStandardPaths>
 

@@ -1,0 +1,52 @@
+#include "Platform/Desktop/AlertWindow.h"
+
+#include <algorithm>
+
+#include <QLabel>
+#include <QPushButton>
+
+namespace platform::desktop {
+
+namespace {
+
+QMessageBox::ButtonRole roleOf(std::size_t place, std::size_t count) {
+    if (place == 0)
+        return QMessageBox::AcceptRole;
+    return place + 1 == count ? QMessageBox::RejectRole : QMessageBox::ActionRole;
+}
+
+} // namespace
+
+AlertWindow::AlertWindow(const Alert& alert, const std::string& agreement) {
+    setModal(false);
+    setWindowTitle("Lumarin");
+    setIcon(alert.style == Alert::Style::warning ? Warning : Information);
+    setText(QString::fromStdString(alert.messageText));
+    setInformativeText(QString::fromStdString(alert.informativeText));
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    for (auto* label : findChildren<QLabel*>())
+        // What looks like markup is a person's text all the same.
+        label->setTextFormat(Qt::PlainText);
+    if (auto* title = findChild<QLabel*>("qt_msgbox_label")) {
+        auto font = title->font();
+        font.setBold(true);
+        title->setFont(font);
+    }
+
+    auto titles = alert.buttons;
+    if (titles.empty())
+        titles.push_back(agreement);
+    for (std::size_t place = 0; place < titles.size(); ++place)
+        choices.push_back(addButton(QString::fromStdString(titles[place]).replace('&', "&&"),
+                                    roleOf(place, titles.size())));
+    setDefaultButton(static_cast<QPushButton*>(choices.front()));
+    setEscapeButton(choices.back());
+    choices.front()->setFocus();
+}
+
+std::size_t AlertWindow::choice() const {
+    const auto chosen = std::ranges::find(choices, clickedButton());
+    return chosen == choices.end() ? choices.size() - 1 : std::size_t(chosen - choices.begin());
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,55 @@
+#include "Platform/Desktop/DesktopAlerts.h"
+
+#include "Platform/Desktop/ActiveWindow.h"
+#include "Platform/Desktop/DesktopProgressWindow.h"
+
+#include <QEventLoop>
+
+namespace platform::desktop {
+
+namespace {
+
+constexpr const char* agreement = "alert.ok";
+
+void showInFront(const XConnection& x, QWidget& window) {
+    window.show();
+    bringToFront(x, static_cast<xcb_window_t>(window.winId()));
+}
+
+} // namespace
+
+std::size_t DesktopAlerts::runModal(const Alert& alert) {
+    AlertWindow window(alert, texts.text(agreement));
+    // The one below is returned from after this one. A modal window would keep the status item from clicks.
+    if (!asking.empty())
+        asking.back()->setEnabled(false);
+    asking.push_back(&window);
+    QEventLoop untilAnswered;
+    QObject::connect(&window, &QDialog::finished, &untilAnswered, &QEventLoop::quit);
+    showInFront(x, window);
+    untilAnswered.exec();
+    asking.pop_back();
+    if (!asking.empty()) {
+        asking.back()->setEnabled(true);
+        showInFront(x, *asking.back());
+    }
+    return window.choice();
+}
+
+std::unique_ptr<ProgressWindow> DesktopAlerts::showProgress(const Alert& alert,
+                                                            std::function<void()> onCancel) {
+    auto window =
+        std::make_unique<DesktopProgressWindow>(alert, texts.text("progress.cancel"), std::move(onCancel));
+    showInFront(x, window->widget());
+    return window;
+}
+
+void DesktopAlerts::tell(const Alert& alert) {
+    if (!telling) {
+        telling = new AlertWindow(alert, texts.text(agreement));
+        telling->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    showInFront(x, *telling);
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,82 @@
+#include "Platform/Desktop/DesktopStatusItem.h"
+
+#include "Platform/Desktop/PanelColor.h"
+#include "Platform/Desktop/SymbolDrawing.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+
+namespace platform::desktop {
+
+DesktopStatusItem::DesktopStatusItem(const XConnection& display, const Bundle& drawings,
+                                     NativeMenu::Command command)
+    : x(display), bundle(drawings), menu(std::move(command)), tray(x, [this] { appear(); }) {
+    using namespace std::chrono_literals;
+    secondLook.setSingleShot(true);
+    secondLook.setInterval(400ms);
+    QObject::connect(&secondLook, &QTimer::timeout, [this] { draw(); });
+    appear();
+}
+
+void DesktopStatusItem::setImage(const Symbol& shown) {
+    symbol = shown;
+    draw();
+}
+
+void DesktopStatusItem::performClick() {
+    openMenu(false);
+}
+
+void DesktopStatusItem::appear() {
+    if (!tray.isThere())
+        return;
+    // Where it is another tray than before, that one is dark or light in its own way.
+    secondLook.start();
+    if (icon)
+        return;
+    icon = std::make_unique<QSystemTrayIcon>();
+    icon->setContextMenu(&menu);
+    QObject::connect(icon.get(), &QSystemTrayIcon::activated,
+                     [this](QSystemTrayIcon::ActivationReason reason) {
+                         // The other button opens the menu by itself.
+                         if (reason == QSystemTrayIcon::Trigger)
+                             openMenu(true);
+                     });
+    draw();
+    icon->show();
+}
+
+void DesktopStatusItem::draw() {
+    if (!icon)
+        return;
+    const auto color = colorOnPanel(x, tray.classicTray(), icon->geometry());
+    icon->setIcon(SymbolDrawing(bundle, symbol.name, color).icon());
+    icon->setToolTip(QString::fromStdString(symbol.accessibilityDescription));
+}
+
+void DesktopStatusItem::openMenu(bool isClicked) {
+    menu.popup(placeForMenu(isClicked));
+}
+
+QPoint DesktopStatusItem::placeForMenu(bool isClicked) const {
+    const auto place = icon ? icon->geometry() : QRect();
+    const auto* screen = QGuiApplication::screenAt(place.center());
+    if (!place.isEmpty() && screen) {
+        // From the edge that the tray is at.
+        if (place.center().y() < screen->geometry().center().y())
+            return place.bottomLeft() + QPoint(0, 1);
+        return place.topLeft() - QPoint(0, menu.sizeHint().height());
+    }
+    if (isClicked)
+        return QCursor::pos();
+    // The corner where panels have their icons.
+    screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return {};
+    const auto free = screen->availableGeometry();
+    const bool isBelow = free.bottom() < screen->geometry().bottom();
+    return isBelow ? free.bottomRight() : free.topRight();
+}
+
+} // namespace platform::desktop
