@@ -2,12 +2,16 @@
 
 #include <algorithm>
 
+#include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
 
 namespace platform::desktop {
 
 namespace {
+
+// Texts of a line or two are not broken into more.
+constexpr int leastWidth = 420;
 
 QMessageBox::ButtonRole roleOf(std::size_t place, std::size_t count) {
     if (place == 0)
@@ -32,6 +36,10 @@ AlertWindow::AlertWindow(const Alert& alert, const std::string& agreement) {
         font.setBold(true);
         title->setFont(font);
     }
+
+    // It keeps its size to what is in its layout.
+    if (auto* grid = qobject_cast<QGridLayout*>(layout()))
+        grid->addItem(new QSpacerItem(leastWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
 
     auto titles = alert.buttons;
     if (titles.empty())

@@ -73,7 +73,7 @@ void NativeMenu::fill(QAction& native, const MenuItem& item) {
         native.setShortcutVisibleInContextMenu(true);
     }
     if (item.submenu) {
-        auto* submenu = new QMenu(this);
+        auto* submenu = new EmojiMenu(this);
         submenu->installEventFilter(this);
         fill(*submenu, *item.submenu);
         native.setMenu(submenu);

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "Platform/Desktop/EmojiMenu.h"
 #include "Platform/Kit/Menu.h"
-
-#include <QMenu>
 
 namespace platform::desktop {
 
 // A menu of the desktop's that shows one of the layer's. That may be changed for another one at any time:
 // while the menu is open, and by what one of its own items does. Main thread.
-class NativeMenu : public QMenu {
+class NativeMenu : public EmojiMenu {
 public:
     // Told the commands of items that have no action.
     using Command = std::function<void(const std::string&)>;
