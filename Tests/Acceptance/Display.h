@@ -16,6 +16,9 @@ public:
 
     std::unique_ptr<DisplayProcess> start(const std::vector<std::string>& command) const;
 
+    // The bus of what is started from now on; without one, nobody has any.
+    void setSessionBus(const std::string& address) { environment["DBUS_SESSION_BUS_ADDRESS"] = address; }
+
     // Waits until a window of that class has the keyboard, and throws if none comes to.
     static void awaitFrontWindow(const std::string& className);
 

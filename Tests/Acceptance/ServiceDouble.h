@@ -18,6 +18,9 @@ public:
     Clock::time_point requestTime() const { return requested; }
     Clock::time_point answerTime() const { return answered; }
 
+    // What the last translation was asked for with.
+    std::string lastRequest() const;
+
     // Time taken between a request and the answer to it.
     std::atomic<std::chrono::milliseconds> thinking{0ms};
 
@@ -28,6 +31,8 @@ private:
     Identity identity = authority.issue("DNS:localhost,IP:127.0.0.1");
     std::atomic<Clock::time_point> requested{};
     std::atomic<Clock::time_point> answered{};
+    mutable std::mutex mutex;
+    std::string last;
     TLSServer server{&identity, [this](TLSConnection& connection) { serve(connection); }};
 };
 
