@@ -1,7 +1,5 @@
 #include "Platform/Desktop/FileReveal.h"
 
-#include <array>
-
 #include <csignal>
 
 #include <QDBusConnection>
@@ -25,18 +23,28 @@ void letSignalsIn() {
     pthread_sigmask(SIG_SETMASK, &none, nullptr);
 }
 
-void openFolder(const QString& folder) {
-    const std::array commands{QStringList{"xdg-open", folder}, QStringList{"gio", "open", folder}};
-    for (const auto& command : commands) {
-        QProcess opener;
-        opener.setProgram(command.front());
-        opener.setArguments(command.mid(1));
-        opener.setChildProcessModifier(letSignalsIn);
-        opener.setStandardOutputFile(QProcess::nullDevice());
-        opener.setStandardErrorFile(QProcess::nullDevice());
-        if (opener.startDetached())
+// With the first of the commands that there is.
+void open(const QString& folder, QList<QStringList> commands) {
+    if (commands.isEmpty())
+        return;
+    const auto command = commands.takeFirst();
+    // It may outlast this program, so nobody owns it but itself.
+    auto* opener = new QProcess;
+    opener->setChildProcessModifier(letSignalsIn);
+    opener->setStandardOutputFile(QProcess::nullDevice());
+    opener->setStandardErrorFile(QProcess::nullDevice());
+    QObject::connect(opener, &QProcess::finished, opener, &QObject::deleteLater);
+    QObject::connect(opener, &QProcess::errorOccurred, opener, [=](QProcess::ProcessError error) {
+        if (error != QProcess::FailedToStart)
             return;
-    }
+        opener->deleteLater();
+        open(folder, commands);
+    });
+    opener->start(command.front(), command.mid(1) + QStringList(folder));
+}
+
+void openFolder(const QString& folder) {
+    open(folder, {{"xdg-open"}, {"gio", "open"}});
 }
 
 } // namespace
