@@ -59,6 +59,9 @@ public:
         if (message.member() == "RegisterStatusNotifierItem") {
             const std::lock_guard lock(mutex);
             registered = message.service();
+        } else if (message.member() == "ShowItems") {
+            const std::lock_guard lock(mutex);
+            selected = message.arguments().value(0).toStringList().join(' ');
         } else if (message.member() == "Get") {
             reply << QVariant::fromValue(QDBusVariant(true));
         } else {
@@ -72,9 +75,15 @@ public:
         return registered;
     }
 
+    QString file() const {
+        const std::lock_guard lock(mutex);
+        return selected;
+    }
+
 private:
     mutable std::mutex mutex;
     QString registered;
+    QString selected;
 };
 
 Panel::Panel(Display& display)
@@ -87,6 +96,8 @@ Panel::Panel(Display& display)
     watcher->moveToThread(&thread);
     thread.start();
     bus->registerVirtualObject("/StatusNotifierWatcher", watcher.get());
+    bus->registerVirtualObject("/org/freedesktop/FileManager1", watcher.get());
+    bus->registerService("org.freedesktop.FileManager1");
 }
 
 Panel::~Panel() {
@@ -147,6 +158,10 @@ Panel::Line Panel::line(const std::string& beginning) const {
 void Panel::choose(const Line& line) const {
     ask("/MenuBar", menuInterface, "Event",
         {line.id, "clicked", QVariant::fromValue(QDBusVariant(0)), QVariant::fromValue(0U)});
+}
+
+std::string Panel::revealed() const {
+    return watcher->file().toStdString();
 }
 
 QDBusMessage Panel::ask(const QString& path, const QString& interface, const QString& method,

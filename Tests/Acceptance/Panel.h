@@ -42,6 +42,9 @@ public:
     Line line(const std::string& beginning) const;
     void choose(const Line& line) const;
 
+    // The address of the file that the file manager was last asked to select.
+    std::string revealed() const;
+
 private:
     class Watcher;
 

@@ -70,6 +70,20 @@ TEST_F(AcceptanceStatusItem, ComesToALatePanelAndFollowsAGesture) {
     EXPECT_TRUE(shows("character.bubble"));
 }
 
+TEST_F(AcceptanceStatusItem, WritesAReportAndRevealsIt) {
+    panel.appear();
+    AcceptanceProgram program(display, service);
+    panel.awaitItem();
+    std::filesystem::create_directories(display.home / "Desktop");
+    panel.choose(panel.line("Create Diagnostics"));
+    display.awaitFrontWindow("lumarin");
+    person.strike({Key::enter});
+    EXPECT_TRUE(comesTrue([&] { return !panel.revealed().empty(); }));
+    const std::filesystem::path report(panel.revealed().substr(std::string("file://").size()));
+    EXPECT_EQ(report.parent_path(), display.home / "Desktop");
+    EXPECT_TRUE(bytesOf(report).starts_with("=== Lumarin Diagnostics ==="));
+}
+
 TEST_F(AcceptanceStatusItem, ChangesTheLanguageAndQuits) {
     panel.appear();
     AcceptanceProgram program(display, service);
