@@ -21,7 +21,7 @@ TEST(LoginItem, QuotesTheProgramAsTheDesktopReadsIt) {
         {"/usr/bin/Lumarin", R"("/usr/bin/Lumarin")"},
         {"/opt/My Apps/译/Lumarin", R"("/opt/My Apps/译/Lumarin")"},
         {R"(/a"b`c$d\e)", R"("/a\\"b\\`c\\$d\\\\e")"},
-        {"/100%f", R"("/100%%f")"},
+        {"/100%f", R"(env "/100%%f")"},
     });
     for (const auto& [program, value] : cases)
         EXPECT_EQ(execValue(program), value);

@@ -21,7 +21,8 @@ bool isTrue(const DesktopEntry& entry, const char* key, bool ifMissing) {
 } // namespace
 
 std::string execValue(const std::string& program) {
-    std::string value = "\"";
+    // Some desktops look for the first word's file before they know what its per cent signs mean.
+    std::string value = program.find('%') == std::string::npos ? "\"" : "env \"";
     for (char letter : program) {
         switch (letter) {
         // A percent sign would stand for a file or a name.
