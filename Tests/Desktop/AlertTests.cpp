@@ -1,7 +1,7 @@
 #include "Desktop/WidgetTest.h"
 #include "Platform/Desktop/ActiveWindow.h"
 #include "Platform/Desktop/DesktopAlerts.h"
-#include "Platform/Desktop/DesktopProgressWindow.h"
+#include "Platform/Desktop/TrustObstacle.h"
 
 #include <QAbstractButton>
 #include <QDialog>
@@ -94,6 +94,28 @@ TEST_F(AlertTest, TellsOnlyOnceAtATime) {
               1);
     windowOf<AlertWindow>()->close();
     EXPECT_TRUE(comesTrue([&] { return QApplication::topLevelWidgets().empty(); }));
+}
+
+TEST_F(AlertTest, HasItsTextsInBothLanguages) {
+    const auto textIn = [&](const char* language, const char* key) {
+        application.localization = language;
+        return texts.text(key);
+    };
+    for (const char* key :
+         {"alert.ok", "progress.cancel", "trust.title", "trust.wayland", "trust.typing", "trust.listening"}) {
+        EXPECT_NE(textIn("en", key), key);
+        EXPECT_NE(textIn("zh-Hans", key), textIn("en", key));
+    }
+}
+
+TEST(TrustObstacle, IsWhatTheDisplayLacks) {
+    unsetenv("XDG_SESSION_TYPE");
+    for (const auto& [options, obstacle] :
+         {std::pair("", ""), std::pair("-extension XTEST", "trust.typing")}) {
+        const tests::XServer display(options);
+        const char* found = trustObstacle(XConnection());
+        EXPECT_STREQ(found ? found : "", obstacle);
+    }
 }
 
 TEST_F(AlertTest, ShowsProgressThatCanBeCancelled) {

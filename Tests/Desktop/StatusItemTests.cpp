@@ -36,15 +36,47 @@ int share(int from, int until) {
     return 100 * count / (side * side);
 }
 
+MenuItem itemOf(const std::string& title) {
+    MenuItem item;
+    item.title = title;
+    return item;
+}
+
+MenuItem actionOf(const std::string& title, std::function<void()> action) {
+    auto item = itemOf(title);
+    item.action = [action = std::move(action)](const MenuItem&) { action(); };
+    return item;
+}
+
+MenuItem quitItem() {
+    auto item = itemOf("Quit");
+    item.command = "terminate:";
+    item.keyEquivalent = "q";
+    return item;
+}
+
+std::shared_ptr<Menu> menuOf(std::vector<MenuItem> items) {
+    return std::make_shared<Menu>(Menu{"", std::move(items)});
+}
+
 TEST_F(StatusItemTest, ComesToALateTrayAndIsSeenOnWhateverColorThatHas) {
     const XConnection x;
     DesktopStatusItem item(x, resources(), [](const std::string&) {});
     item.setImage({"character.bubble", "Lumarin"});
+    item.setMenu(menuOf({quitItem()}));
     EXPECT_FALSE(item.isVisible());
+    const auto opensMenu = [&] {
+        item.performClick();
+        auto* menu = QApplication::activePopupWidget();
+        const bool isInCorner = menu && menu->geometry().right() > 1270 && menu->geometry().top() < 40;
+        return isInCorner && menu->close();
+    };
+    EXPECT_TRUE(opensMenu());
     {
         auto tray = trayOf("0x101010");
         EXPECT_TRUE(comesTrue([&] { return share(200, 256) > 5 && share(0, 60) > 50; }));
         EXPECT_TRUE(item.isVisible());
+        EXPECT_TRUE(opensMenu());
     }
     auto tray = trayOf("0xf0f0f0");
     EXPECT_TRUE(comesTrue([&] { return share(0, 80) > 5 && share(200, 256) > 50; }));
@@ -72,29 +104,6 @@ TEST_F(StatusItemTest, HasItsDrawingsInOneColorAndWhollyInside) {
             }
             EXPECT_GT(seen / 255, side * side / 8);
         }
-}
-
-MenuItem itemOf(const std::string& title) {
-    MenuItem item;
-    item.title = title;
-    return item;
-}
-
-MenuItem actionOf(const std::string& title, std::function<void()> action) {
-    auto item = itemOf(title);
-    item.action = [action = std::move(action)](const MenuItem&) { action(); };
-    return item;
-}
-
-MenuItem quitItem() {
-    auto item = itemOf("Quit");
-    item.command = "terminate:";
-    item.keyEquivalent = "q";
-    return item;
-}
-
-std::shared_ptr<Menu> menuOf(std::vector<MenuItem> items) {
-    return std::make_shared<Menu>(Menu{"", std::move(items)});
 }
 
 void strike(QWidget& widget, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {

@@ -7,7 +7,8 @@ namespace tests {
 // An X server of the test's own, which the variable DISPLAY names from then on. Held keys repeat soon.
 class XServer {
 public:
-    XServer();
+    // With further options, as Xvfb takes them.
+    explicit XServer(const std::string& options = "");
 
     const std::string& name() const { return display; }
 
