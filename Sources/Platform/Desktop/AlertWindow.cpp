@@ -4,6 +4,7 @@
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
 
 namespace platform::desktop {
@@ -12,6 +13,20 @@ namespace {
 
 // Texts of a line or two are not broken into more.
 constexpr int leastWidth = 420;
+
+constexpr int mostHeight = 300;
+
+// A text that is too long for a screen is scrolled.
+void boundHeight(QGridLayout& grid, QLabel& text) {
+    if (text.heightForWidth(leastWidth) <= mostHeight)
+        return;
+    auto* scrolled = new QPlainTextEdit(text.text());
+    scrolled->setReadOnly(true);
+    scrolled->setTabChangesFocus(true);
+    scrolled->setFixedHeight(mostHeight);
+    grid.replaceWidget(&text, scrolled);
+    text.hide();
+}
 
 QMessageBox::ButtonRole roleOf(std::size_t place, std::size_t count) {
     if (place == 0)
@@ -37,16 +52,19 @@ AlertWindow::AlertWindow(const Alert& alert, const std::string& agreement) {
         title->setFont(font);
     }
 
-    // It keeps its size to what is in its layout.
-    if (auto* grid = qobject_cast<QGridLayout*>(layout()))
-        grid->addItem(new QSpacerItem(leastWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
-
     auto titles = alert.buttons;
     if (titles.empty())
         titles.push_back(agreement);
     for (std::size_t place = 0; place < titles.size(); ++place)
         choices.push_back(addButton(QString::fromStdString(titles[place]).replace('&', "&&"),
                                     roleOf(place, titles.size())));
+    // It keeps its size to what is in its layout.
+    auto* text = findChild<QLabel*>("qt_msgbox_informativelabel");
+    if (auto* grid = qobject_cast<QGridLayout*>(layout())) {
+        grid->addItem(new QSpacerItem(leastWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
+        if (text)
+            boundHeight(*grid, *text);
+    }
     setDefaultButton(static_cast<QPushButton*>(choices.front()));
     setEscapeButton(choices.back());
     choices.front()->setFocus();
