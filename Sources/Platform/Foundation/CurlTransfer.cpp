@@ -144,7 +144,7 @@ bool CurlTransfer::receiveBody(std::string_view piece) {
         report(HTTPResponse{});
     // Also checked here, where a server may be faster than the reader.
     received += piece.size();
-    if (received > HTTPAnswer::maximumBodyLength) {
+    if (received > request.maximumBodyLength) {
         abandon();
         return false;
     }

@@ -1,11 +1,11 @@
 #include "Platform/Foundation/FileManager.h"
 
-#include <cerrno>
+#include "Platform/Foundation/Descriptor.h"
+
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 
 namespace platform::files {
@@ -13,23 +13,6 @@ namespace platform::files {
 namespace {
 
 constexpr mode_t fileMode = S_IRUSR | S_IWUSR;
-
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (isOpen())
-            ::close(number_);
-    }
-
-    bool isOpen() const { return number_ >= 0; }
-    int number() const { return number_; }
-
-private:
-    int number_;
-};
 
 // Opens without ever waiting: a pipe or a device is recognised afterwards, once it is open.
 Descriptor open(const std::filesystem::path& path, int flags) {
@@ -41,25 +24,6 @@ std::optional<std::size_t> sizeOfRegularFile(const Descriptor& file) {
     if (!file.isOpen() || ::fstat(file.number(), &information) != 0 || !S_ISREG(information.st_mode))
         return std::nullopt;
     return static_cast<std::size_t>(information.st_size);
-}
-
-template <typename Operation>
-ssize_t uninterrupted(const Operation& operation) {
-    ssize_t result = operation();
-    while (result < 0 && errno == EINTR)
-        result = operation();
-    return result;
-}
-
-bool writeAll(const Descriptor& file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written =
-            uninterrupted([&] { return ::write(file.number(), bytes.data(), bytes.size()); });
-        if (written < 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
 }
 
 [[noreturn]] void fail(const std::filesystem::path& path, int error = errno) {

@@ -3,12 +3,13 @@
 namespace platform {
 
 Task<HTTPAnswer> HTTPSession::bytes(HTTPRequest request) {
+    const auto maximumBodyLength = request.maximumBodyLength;
     auto exchange = open(std::move(request));
     auto events = exchange->events;
     auto head = co_await events->next();
     if (!head)
         throw HTTPError("The server closed the connection without an answer.");
-    co_return HTTPAnswer(std::get<HTTPResponse>(*head), std::move(exchange));
+    co_return HTTPAnswer(std::get<HTTPResponse>(*head), std::move(exchange), maximumBodyLength);
 }
 
 Task<std::optional<std::string>> HTTPAnswer::nextLine() {

@@ -19,6 +19,8 @@ struct HTTPRequest {
     std::string body;
     // The longest time without a byte in either direction; the session's own, where that is shorter.
     Duration timeout = std::chrono::seconds(60);
+    // The longest body of an answer, in bytes.
+    std::size_t maximumBodyLength = std::size_t{64} * 1024 * 1024;
 };
 
 struct HTTPSessionConfiguration {
@@ -51,14 +53,12 @@ public:
 };
 
 // An answer whose body is still arriving. To be read by one task; each operation throws an HTTPError when the
-// transfer fails or the answer is longer than any answer can be, and a CancellationError when the task is
+// transfer fails or the answer is longer than the request allows, and a CancellationError when the task is
 // cancelled.
 class HTTPAnswer {
 public:
-    static constexpr std::size_t maximumBodyLength = std::size_t{64} * 1024 * 1024;
-
-    HTTPAnswer(HTTPResponse head, std::unique_ptr<HTTPExchange> transfer)
-        : response(head), exchange(std::move(transfer)) {}
+    HTTPAnswer(HTTPResponse head, std::unique_ptr<HTTPExchange> transfer, std::size_t maximumLength)
+        : response(head), exchange(std::move(transfer)), maximumBodyLength(maximumLength) {}
 
     const HTTPResponse response;
 
@@ -68,11 +68,14 @@ public:
     // All of the body that has not been read.
     Task<std::string> readAll();
 
-private:
-    std::optional<std::string> nextCompleteLine();
+    // The bytes that arrived next; nothing at the end of the body.
     Task<std::optional<std::string>> nextPiece();
 
+private:
+    std::optional<std::string> nextCompleteLine();
+
     std::unique_ptr<HTTPExchange> exchange;
+    std::size_t maximumBodyLength;
     LineSplitter lines;
     std::size_t received = 0;
 };
