@@ -34,13 +34,13 @@ std::string LocalizationManager::effectiveBundleName() const {
     return !preferred.empty() && preferred.front().starts_with("zh") ? "zh-Hans" : "en";
 }
 
-std::string LocalizationManager::localized(const std::string& key) const {
+std::string LocalizationManager::localized(const std::string& key, const std::string& table) const {
     constexpr const char* missing = "__MISSING__";
     if (auto bundle = lprojBundle(effectiveBundleName()))
-        if (auto text = bundle->localizedString(key, missing); text != missing)
+        if (auto text = bundle->localizedString(key, missing, table); text != missing)
             return text;
     if (auto bundle = lprojBundle("en"))
-        return bundle->localizedString(key, key);
+        return bundle->localizedString(key, key, table);
     return key;
 }
 

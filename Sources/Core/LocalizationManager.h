@@ -24,8 +24,8 @@ public:
     // The table in use: "zh-Hans" or "en".
     std::string effectiveBundleName() const;
 
-    // The text of a key: in the language in use, else in English, else the key itself.
-    std::string localized(const std::string& key) const;
+    // The text of a key in one of the tables: in the language in use, else in English, else the key itself.
+    std::string localized(const std::string& key, const std::string& table = "Localizable") const;
 
 private:
     LocalizationManager() = default;

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Platform/Updates/UpdaterDelegate.h"
+
+#include <functional>
+#include <memory>
+
+namespace platform {
+
+// Looks for updates when it is asked to, shows what comes of it and fetches what the person wants: a verified
+// package in their download folder. Where it looks is said by the bundle's SUFeedURL and SUPublicEDKey. Main
+// thread; dropping it ends what is under way.
+class StandardUpdaterController {
+public:
+    // The text of a key of the table "Updates", in the language of the interface.
+    using Texts = std::function<std::string(const std::string& key)>;
+
+    StandardUpdaterController(std::weak_ptr<UpdaterDelegate> updaterDelegate, Texts localized);
+    ~StandardUpdaterController();
+    StandardUpdaterController(const StandardUpdaterController&) = delete;
+    StandardUpdaterController& operator=(const StandardUpdaterController&) = delete;
+
+    // Returns at once. While a check or what follows from it is under way, another one is not begun.
+    void checkForUpdates();
+
+private:
+    class Check;
+
+    const std::weak_ptr<UpdaterDelegate> delegate;
+    const Texts texts;
+    std::weak_ptr<Check> underWay;
+};
+
+} // namespace platform
