@@ -3,18 +3,25 @@
 #include "Core/TranslationStateMachine.h"
 #include "Platform/Foundation/Observers.h"
 #include "Platform/Kit/Application.h"
+#include "Platform/Updates/StandardUpdaterController.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace lumarin {
 
 // Wires the program together when it has launched, and stays for as long as it runs. Main thread; to be owned
 // by a shared_ptr.
-class AppDelegate : public platform::ApplicationDelegate, public std::enable_shared_from_this<AppDelegate> {
+class AppDelegate : public platform::ApplicationDelegate,
+                    public platform::UpdaterDelegate,
+                    public std::enable_shared_from_this<AppDelegate> {
 public:
     void applicationDidFinishLaunching() override;
     platform::StatusItem* statusItem() override { return statusItem_.get(); }
+
+    void updaterDidFindValidUpdate(const platform::AppcastItem& update) override;
+    void updaterDidNotFindUpdate(const std::string& reason) override;
 
 private:
     void setupEditMenu();
@@ -35,6 +42,7 @@ private:
     void changeStyle(const platform::MenuItem& chosen);
     void changeUILanguage(const platform::MenuItem& chosen);
     void toggleLoginItem(const platform::MenuItem& chosen);
+    void checkForUpdates(const platform::MenuItem& chosen);
     void generateDiagnostics(const platform::MenuItem& chosen);
 
     // An item that does that for as long as there is a delegate.
@@ -45,6 +53,10 @@ private:
     std::unique_ptr<platform::StatusItem> statusItem_;
     const std::shared_ptr<TranslationStateMachine> stateMachine = std::make_shared<TranslationStateMachine>();
     std::vector<platform::Subscription> subscriptions;
+    // Whether the last check found an update.
+    bool updateAvailable = false;
+    // From the first check on.
+    std::optional<platform::StandardUpdaterController> updaterController;
 };
 
 } // namespace lumarin

@@ -16,6 +16,7 @@ void AppDelegate::registerLoginItem() {
         // The menu shows whether it worked, and a person who wants it can try it there.
     }
     LumLog::log("Login item registered");
+    setupMenu();
 }
 
 void AppDelegate::toggleLoginItem(const platform::MenuItem& /*chosen*/) {

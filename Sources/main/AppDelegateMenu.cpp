@@ -89,6 +89,8 @@ void AppDelegate::setupMenu() {
     add(makeItem(localized("menu.launch_at_login"), &AppDelegate::toggleLoginItem));
     menu->items.back().isChecked =
         Host::current().loginItem().status() == platform::LoginItem::Status::enabled;
+    add(makeItem((updateAvailable ? "🔴 " : "") + localized("menu.check_updates"),
+                 &AppDelegate::checkForUpdates));
     add(makeItem(localized("menu.diagnostics"), &AppDelegate::generateDiagnostics));
     add(separator());
     add(remark(localized("menu.hint.fn")));

@@ -102,7 +102,8 @@ Interface Language
   简体中文
   English
 -
-Launch at Login
+*Launch at Login
+Check for Updates…
 Create Diagnostics Report…
 )" + hints);
     EXPECT_EQ(item("Quit").command, "terminate:");
@@ -133,6 +134,7 @@ Create Diagnostics Report…
   English
 -
 *登录时启动
+检查更新…
 生成诊断报告…
 -
 #按住 Fn（或右 Ctrl）翻译，松开即替换
@@ -229,4 +231,17 @@ TEST_F(Launched, ReportsWhereTheDiagnosticsAre) {
     EXPECT_EQ(failed.messageText, "The diagnostics report could not be created");
     EXPECT_TRUE(failed.buttons.empty());
     EXPECT_NE(log().find("] [Diagnostics] write failed: "), std::string::npos);
+}
+
+TEST_F(Launched, MarksTheMenuWhenThereIsAnUpdate) {
+    launch();
+    choose("Check for Updates…");
+    host.advance(1s);
+    EXPECT_EQ(host.alertsShown.shown.at(0).messageText, "Updates could not be checked");
+    delegate->updaterDidFindValidUpdate({});
+    EXPECT_NO_THROW(item("🔴 Check for Updates…"));
+    delegate->updaterDidNotFindUpdate("");
+    EXPECT_NO_THROW(item("🔴 Check for Updates…"));
+    choose("Launch");
+    EXPECT_NO_THROW(item("Check for Updates…"));
 }
