@@ -105,7 +105,7 @@ TEST_F(WindowPictureTest, WithoutABackdropIsOpaqueAndHasNoShadow) {
     EXPECT_EQ(qAlpha(at(window, 100, -1)), 0);
 
     // Its shape: as wide as the window in the middle, and less at the top.
-    const auto spans = solidSpans(image);
+    const auto spans = solidSpans(image, 128);
     ASSERT_FALSE(spans.empty());
     int widest = 0;
     int height = 0;
@@ -159,7 +159,7 @@ TEST_F(WindowPictureTest, ScalesAndMovesAboutTheMiddle) {
         Transform::concat(Transform::makeScale(0.5, 0.5), Transform::makeTranslation(10, 100));
     paint(window, 2, Backdrop::none);
     QRect body;
-    for (const auto& span : solidSpans(picture.image()))
+    for (const auto& span : solidSpans(picture.image(), 128))
         body |= QRect(span.x, span.y, span.width, span.height);
     body.translate(picture.place().topLeft());
     // From (150, 310) to (250, 330) in points, moved by (10, 100), in pixels from the top.

@@ -24,8 +24,10 @@ DesktopWindowServer::DesktopWindowServer(const RunLoop& runLoop)
                      backdrop = compositor.backdrop();
                      drawAllAnew();
                  }),
-      // Whatever is drawn comes to the front.
-      stacking(x, [this] { drawAllAnew(); }) {
+      stacking(x, [this] {
+          for (const auto& [window, display] : shown)
+              display.raise();
+      }) {
     // The server refuses requests of a version that was not agreed on.
     x.reply(xcb_xfixes_query_version_reply, xcb_xfixes_query_version(x, 2, 0));
     timer.setSingleShot(true);

@@ -18,23 +18,31 @@ constexpr QRgb scaled(QRgb color, unsigned share) {
     return multiplied(color & pair) | multiplied(color >> 8U & pair) << 8U;
 }
 
-// Calls `change` for every pixel with the distance of its middle from the edge; it is the same for a run of
-// pixels between the corners, which come as one.
+// Calls `change` for the pixels less than `depth` inside the edge, and perhaps others, with the distance of
+// their middle from the edge; it is the same for a run of pixels between the corners, which come as one.
 template <typename Change>
-void forEachRun(QImage& picture, const QPoint& corner, const Outline& outline, Change change) {
+void forEachRun(QImage& picture, const QPoint& corner, const Outline& outline, double depth, Change change) {
     const int width = picture.width();
     const int straight = std::clamp(outline.firstStraightColumn() - corner.x(), 0, width);
     const int end = std::clamp(outline.lastStraightColumn() - corner.x(), straight, width);
     for (int y = 0; y < picture.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(picture.scanLine(y));
         const double down = corner.y() + y + 0.5;
-        const auto at = [&](int x) { return outline.distance(corner.x() + x + 0.5, down); };
-        for (int x = 0; x < straight; ++x)
-            change(row + x, 1, down, at(x));
+        const auto each = [&](int first, int behind) {
+            for (int x = first; x < behind; ++x)
+                change(row + x, 1, down, outline.distance(corner.x() + x + 0.5, down));
+        };
+        const auto deep = outline.deepColumns(down, depth);
+        if (deep.first < deep.second) {
+            each(0, std::clamp(deep.first - corner.x(), 0, width));
+            each(std::clamp(deep.second - corner.x(), 0, width), width);
+            continue;
+        }
+        each(0, straight);
         if (end > straight)
-            change(row + straight, end - straight, down, at((straight + end) / 2));
-        for (int x = end; x < width; ++x)
-            change(row + x, 1, down, at(x));
+            change(row + straight, end - straight, down,
+                   outline.distance(corner.x() + (straight + end) / 2 + 0.5, down));
+        each(end, width);
     }
 }
 
@@ -55,8 +63,18 @@ int Outline::lastStraightColumn() const {
     return static_cast<int>(std::floor(rect.right() - std::max(radius, 1.0)));
 }
 
+std::pair<int, int> Outline::deepColumns(double y, double depth) const {
+    const double deepRadius = radius - depth;
+    const double up = std::max(std::abs(y - middle.y()) - straightHeight, 0.0);
+    if (up >= deepRadius)
+        return {};
+    const double reach = straightWidth + std::sqrt(deepRadius * deepRadius - up * up);
+    return {static_cast<int>(std::ceil(middle.x() - reach)),
+            static_cast<int>(std::floor(middle.x() + reach))};
+}
+
 void clip(QImage& picture, const QPoint& corner, const Outline& outline) {
-    forEachRun(picture, corner, outline, [](QRgb* pixels, int count, double, double distance) {
+    forEachRun(picture, corner, outline, 0.5, [](QRgb* pixels, int count, double, double distance) {
         const auto share = coverage(distance);
         if (share < 255)
             std::transform(pixels, pixels + count, pixels, [&](QRgb color) { return scaled(color, share); });
@@ -75,14 +93,19 @@ void strokeInside(QImage& picture, const QPoint& corner, const Outline& outline,
             .premultiplied()
             .toArgb32();
     };
-    forEachRun(picture, corner, outline, [&](QRgb* pixels, int count, double y, double distance) {
-        const auto share = coverage(distance) - coverage(distance + width);
-        if (share == 0)
-            return;
-        const auto color = scaled(colorAt(y), share);
-        std::transform(pixels, pixels + count, pixels,
-                       [&](QRgb below) { return color + scaled(below, 255 - qAlpha(color)); });
-    });
+    double row = 0;
+    QRgb rowColor = 0;
+    forEachRun(picture, corner, outline, width + 0.5,
+               [&](QRgb* pixels, int count, double y, double distance) {
+                   const auto share = coverage(distance) - coverage(distance + width);
+                   if (share == 0)
+                       return;
+                   if (std::exchange(row, y) != y)
+                       rowColor = colorAt(y);
+                   const auto color = scaled(rowColor, share);
+                   std::transform(pixels, pixels + count, pixels,
+                                  [&](QRgb below) { return color + scaled(below, 255 - qAlpha(color)); });
+               });
 }
 
 } // namespace platform::desktop

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <QImage>
 #include <QRectF>
@@ -30,6 +31,9 @@ struct Outline {
     // Between the first and the last of these columns a row is the same all along.
     int firstStraightColumn() const;
     int lastStraightColumn() const;
+    // The first column of that row with all of it at least `depth` inside the edge, and the one behind the
+    // last; nothing between them if there is none.
+    std::pair<int, int> deepColumns(double y, double depth) const;
 
     bool operator==(const Outline&) const = default;
 

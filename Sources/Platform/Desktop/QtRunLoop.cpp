@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QThread>
 #include <QTimer>
 
 namespace platform::desktop {
@@ -16,6 +17,9 @@ public:
     }
 
     void wake() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
+    void startTimer(std::chrono::steady_clock::duration delay) {
+        timer.start(std::chrono::ceil<std::chrono::milliseconds>(delay));
+    }
 
     bool event(QEvent* occurred) override {
         if (occurred->type() != QEvent::User)
@@ -42,7 +46,12 @@ void QtRunLoop::postAfter(Duration delay, std::function<void()> work) {
     std::lock_guard lock(mutex);
     auto due = std::chrono::steady_clock::now() + std::chrono::duration_cast<Moment::duration>(delay);
     auto place = queue.emplace(due, std::move(work));
-    if (place == queue.begin() && !isWoken) {
+    if (place != queue.begin() || isWoken)
+        return;
+    // Sparing the loop a turn where that can be.
+    if (delay > Duration::zero() && QThread::currentThread() == waker->thread()) {
+        waker->startTimer(delay);
+    } else {
         isWoken = true;
         waker->wake();
     }
@@ -73,7 +82,7 @@ void QtRunLoop::runNext() {
             isWoken = true;
             waker->wake();
         } else {
-            waker->timer.start(std::chrono::ceil<std::chrono::milliseconds>(queue.begin()->first - now));
+            waker->startTimer(queue.begin()->first - now);
         }
     }
     if (work)

@@ -11,6 +11,10 @@
 namespace platform::desktop {
 namespace {
 
+// Densities, of 255.
+constexpr int inside = 128;
+constexpr int visible = 4;
+
 QImage faded(QImage image, double opacity) {
     QPainter painter(&image);
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
@@ -41,10 +45,14 @@ void ShownWindow::draw(Duration time, const PixelGrid& grid, Backdrop backdrop) 
 }
 
 void ShownWindow::shapeSurface(Backdrop backdrop, bool isVisible) {
-    const auto solid = isVisible && backdrop != Backdrop::plain ? solidSpans(picture.image())
-                                                                : std::vector<xcb_rectangle_t>();
-    surface.setShape(backdrop == Backdrop::none ? &solid : nullptr);
-    surface.setBlurredRegion(backdrop == Backdrop::blurred ? solid : std::vector<xcb_rectangle_t>());
+    const auto spans = [&](int density) {
+        return isVisible ? solidSpans(picture.image(), density) : std::vector<xcb_rectangle_t>();
+    };
+    // Some compositors blur what is behind the whole of a translucent window: nothing is to be seen beyond
+    // where the shadow ends for the eye.
+    surface.setShape(spans(backdrop == Backdrop::none ? inside : visible));
+    if (backdrop == Backdrop::blurred)
+        surface.setBlurredRegion(spans(inside));
 }
 
 } // namespace platform::desktop

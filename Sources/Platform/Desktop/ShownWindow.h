@@ -18,6 +18,8 @@ public:
     // Shows the window as it looks at the time, on the screen with that grid.
     void draw(Duration time, const PixelGrid& grid, Backdrop backdrop);
 
+    void raise() const { surface.raise(); }
+
     // When to draw it; nothing while it is at rest.
     std::optional<Duration> due;
 

@@ -7,7 +7,8 @@
 
 namespace platform::desktop {
 
-// The pixels of a picture that are more there than not, as few rectangles. Any thread.
-std::vector<xcb_rectangle_t> solidSpans(const QImage& picture);
+// Where a picture is at least that dense, from 1 to 255, as few rectangles: each row from its first such
+// pixel to its last. Any thread.
+std::vector<xcb_rectangle_t> solidSpans(const QImage& picture, int density);
 
 } // namespace platform::desktop

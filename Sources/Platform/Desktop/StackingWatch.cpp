@@ -1,47 +1,43 @@
 #include "Platform/Desktop/StackingWatch.h"
 
-#include <QGuiApplication>
-
 namespace platform::desktop {
 
-StackingWatch::StackingWatch(const XConnection& display, std::function<void()> changed)
-    : x(display), report(std::move(changed)) {
-    qGuiApp->installNativeEventFilter(this);
+StackingWatch::StackingWatch(const XConnection& watched, std::function<void()> covered)
+    : ours(watched), report(std::move(covered)), events(xcb_get_file_descriptor(x), QSocketNotifier::Read) {
+    QObject::connect(&events, &QSocketNotifier::activated, [this] { readEvents(); });
 }
 
 void StackingWatch::setWatching(bool isWatching) {
-    const auto* application = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (watching == isWatching || !application)
+    if (isWatching == watching)
         return;
     watching = isWatching;
-    // Qt has read these events already when others look for them; it listens to the root window itself.
-    auto* connection = application->connection();
-    const auto root = x.root();
-    const XOwned<xcb_get_window_attributes_reply_t> listened(
-        xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, root), nullptr));
-    if (!listened)
-        return;
-    constexpr std::uint32_t news = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    const std::uint32_t mask =
-        watching ? listened->your_event_mask | news : listened->your_event_mask & ~news;
-    xcb_change_window_attributes(connection, root, XCB_CW_EVENT_MASK, &mask);
-    xcb_flush(connection);
+    left = most;
+    const std::uint32_t mask = isWatching ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT;
+    xcb_change_window_attributes(x, x.root(), XCB_CW_EVENT_MASK, &mask);
+    x.flush();
 }
 
-bool StackingWatch::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
-    if (!watching || eventType != "xcb_generic_event_t")
-        return false;
-    const auto* event = static_cast<const xcb_generic_event_t*>(message);
-    if ((event->response_type & 0x7F) != XCB_CONFIGURE_NOTIFY)
-        return false;
-    const auto* configured = reinterpret_cast<const xcb_configure_notify_event_t*>(event);
-    if (configured->event == x.root() && !isOwn(configured->window))
+void StackingWatch::readEvents() {
+    bool isCovered = false;
+    while (const XOwned<xcb_generic_event_t> event{xcb_poll_for_event(x)}) {
+        if ((event->response_type & 0x7F) == XCB_CONFIGURE_NOTIFY) {
+            const auto& configured = reinterpret_cast<const xcb_configure_notify_event_t&>(*event);
+            isCovered |= isOwn(configured.above_sibling) && !isOwn(configured.window);
+        } else if ((event->response_type & 0x7F) == XCB_MAP_NOTIFY) {
+            isCovered |= !isOwn(reinterpret_cast<const xcb_map_notify_event_t&>(*event).window);
+        }
+    }
+    // A display that is gone could be read from for ever.
+    if (xcb_connection_has_error(x))
+        events.setEnabled(false);
+    if (isCovered && watching && left > 0) {
+        --left;
         report();
-    return false;
+    }
 }
 
 bool StackingWatch::isOwn(xcb_window_t window) const {
-    const auto* setup = xcb_get_setup(x);
+    const auto* setup = xcb_get_setup(ours);
     return (window & ~setup->resource_id_mask) == setup->resource_id_base;
 }
 

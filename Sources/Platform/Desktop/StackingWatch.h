@@ -4,26 +4,33 @@
 
 #include <functional>
 
-#include <QAbstractNativeEventFilter>
+#include <QSocketNotifier>
 
 namespace platform::desktop {
 
-// Tells when other windows may have come before those of a connection. Main thread.
-class StackingWatch : public QAbstractNativeEventFilter {
+// Tells when another window may have come before one of a connection's. Asks for the news on a connection of
+// its own, so that nobody else's share of it changes. Main thread.
+class StackingWatch {
 public:
-    StackingWatch(const XConnection& x, std::function<void()> changed);
+    StackingWatch(const XConnection& watched, std::function<void()> covered);
 
-    // While it is of use: every window that moves is news.
+    // While it is of use: every window that opens or moves is an event. Each time it begins anew it reports
+    // so many times at most: where another program insists on the front too, it gets it.
     void setWatching(bool isWatching);
 
-    bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
-
 private:
+    void readEvents();
     bool isOwn(xcb_window_t window) const;
 
-    const XConnection& x;
+    static constexpr int most = 20;
+
+    const XConnection& ours;
     const std::function<void()> report;
+    const XConnection x;
+    QSocketNotifier events;
     bool watching = false;
+    // Reports.
+    int left = 0;
 };
 
 } // namespace platform::desktop

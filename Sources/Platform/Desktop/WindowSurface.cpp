@@ -88,27 +88,33 @@ void WindowSurface::show(const QRect& place, const QImage& image, const QRect& c
     put(image.copy(part).convertToFormat(formatFor(depth)), part.topLeft());
     // Before the window changes its size, so that there are never others than the right pixels in it.
     xcb_change_window_attributes(x, window, XCB_CW_BACK_PIXMAP, &pixmap);
-    const std::array<std::uint32_t, 5> values{
-        static_cast<std::uint32_t>(place.x()), static_cast<std::uint32_t>(place.y()),
-        static_cast<std::uint32_t>(place.width()), static_cast<std::uint32_t>(place.height()),
-        XCB_STACK_MODE_ABOVE};
-    xcb_configure_window(x, window,
-                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH
-                             | XCB_CONFIG_WINDOW_HEIGHT | XCB_CONFIG_WINDOW_STACK_MODE,
-                         values.data());
-    if (isFirst)
+    if (place != shown) {
+        const std::array<std::uint32_t, 4> values{
+            static_cast<std::uint32_t>(place.x()), static_cast<std::uint32_t>(place.y()),
+            static_cast<std::uint32_t>(place.width()), static_cast<std::uint32_t>(place.height())};
+        xcb_configure_window(x, window,
+                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH
+                                 | XCB_CONFIG_WINDOW_HEIGHT,
+                             values.data());
+    }
+    if (isFirst) {
+        raise();
         xcb_map_window(x, window);
+    }
     xcb_clear_area(x, 0, window, static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
                    static_cast<std::uint16_t>(part.width()), static_cast<std::uint16_t>(part.height()));
     x.flush();
     shown = place;
 }
 
-void WindowSurface::setShape(const std::vector<xcb_rectangle_t>* shape) const {
-    if (shape)
-        setShapeRegion(x, window, boundingShape, *shape);
-    else
-        xcb_xfixes_set_window_shape_region(x, window, boundingShape, 0, 0, XCB_NONE);
+void WindowSurface::raise() const {
+    constexpr std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(x, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    x.flush();
+}
+
+void WindowSurface::setShape(const std::vector<xcb_rectangle_t>& shape) const {
+    setShapeRegion(x, window, boundingShape, shape);
 }
 
 void WindowSurface::setBlurredRegion(const std::vector<xcb_rectangle_t>& region) const {

@@ -19,11 +19,14 @@ public:
     WindowSurface& operator=(const WindowSurface&) = delete;
 
     // `image` lies at `place` and differs from what was shown in `changed`, both in pixels of the display.
-    // Comes up at the first time, and to the front each time.
+    // Comes up at the first time, in front.
     void show(const QRect& place, const QImage& image, const QRect& changed);
 
-    // What there is of the window; all if it is left out.
-    void setShape(const std::vector<xcb_rectangle_t>* shape) const;
+    // Before all others.
+    void raise() const;
+
+    // What there is of the window.
+    void setShape(const std::vector<xcb_rectangle_t>& shape) const;
 
     // Where a compositor that can is to blur what is behind.
     void setBlurredRegion(const std::vector<xcb_rectangle_t>& region) const;
