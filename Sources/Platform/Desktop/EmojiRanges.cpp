@@ -15,7 +15,7 @@ struct Block {
     char32_t last;
 };
 
-// What is shown as a picture without being asked.
+// What is shown as a picture without being asked, in order.
 constexpr auto pictures = std::to_array<Block>({
     {0x231A, 0x231B},   {0x23E9, 0x23EC},   {0x23F0, 0x23F0},   {0x23F3, 0x23F3},   {0x25FD, 0x25FE},
     {0x2614, 0x2615},   {0x2648, 0x2653},   {0x267F, 0x267F},   {0x2693, 0x2693},   {0x26A1, 0x26A1},
@@ -34,7 +34,8 @@ constexpr bool isIn(char32_t character, Block block) {
 }
 
 bool isPicture(char32_t character) {
-    return std::ranges::any_of(pictures, [&](Block block) { return isIn(character, block); });
+    const auto* after = std::ranges::upper_bound(pictures, character, {}, &Block::first);
+    return after != pictures.begin() && character <= after[-1].last;
 }
 
 // A skin's tone, a region of a flag, an enclosing key, or the wish for a picture.

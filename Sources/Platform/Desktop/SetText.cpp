@@ -64,19 +64,21 @@ SetText::SetText(std::string_view text, const Font& font) {
 }
 
 SetText SetText::truncated(std::string_view text, const Font& font, double width) {
-    SetText whole(text, font);
-    if (whole.size().width <= width)
-        return whole;
-    const auto shortened = [&](std::size_t characters) {
-        return SetText(text::trimmed(text::prefix(text, characters)) + "…", font);
-    };
-    // Few texts are long: the first guess is too long in most scripts.
-    std::size_t tooMany = 16;
-    const auto count = text::characterCount(text);
-    while (tooMany < count && shortened(tooMany).size().width <= width)
+    // A long text is not set as a whole: its beginning tells that it is too long.
+    std::size_t tooMany = 64;
+    std::string beginning;
+    for (bool fits = true; fits;) {
         tooMany *= 2;
+        beginning = text::prefix(text, tooMany);
+        SetText set(beginning, font);
+        fits = set.size().width <= width;
+        if (fits && beginning.size() == text.size())
+            return set;
+    }
+    const auto shortened = [&](std::size_t characters) {
+        return SetText(text::trimmed(text::prefix(beginning, characters)) + "…", font);
+    };
     std::size_t fitting = 0;
-    tooMany = std::min(tooMany, count);
     while (fitting + 1 < tooMany) {
         const auto middle = (fitting + tooMany) / 2;
         (shortened(middle).size().width <= width ? fitting : tooMany) = middle;
