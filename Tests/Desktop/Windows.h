@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Platform/Desktop/XConnection.h"
+
+namespace platform::desktop {
+
+// Before all others on the screen, the pill and other windows of no window manager's too.
+xcb_window_t frontWindow(const XConnection& x);
+
+bool isPill(const XConnection& x, xcb_window_t window);
+
+// Whether the window manager did so.
+bool becomeFullScreen(const XConnection& x, xcb_window_t window);
+
+} // namespace platform::desktop
