@@ -106,7 +106,6 @@ Task<void> downloadPackage(AppcastItem item, PublicKey key, std::shared_ptr<HTTP
     const bool genuine = co_await isGenuine(item, key, file, &checker.runLoop());
     if (!genuine)
         throw UpdateError("updates.error.package_signature");
-    co_await checkCancellation();
 }
 
 } // namespace platform

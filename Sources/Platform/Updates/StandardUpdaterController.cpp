@@ -50,7 +50,9 @@ private:
             source.emplace(UpdateSource::current());
             session = Host::current().makeHTTPSession({});
             const auto progress = showProgress(self, "updates.checking", {}, patience);
-            item.emplace(co_await findUpdate(*source, session, texts("updates.language")));
+            auto newest = co_await findUpdate(*source, session, texts("updates.language"));
+            co_await checkCancellation();
+            item = std::move(newest);
         } catch (const CancellationError&) {
             throw;
         } catch (const NoUpdate& none) {
@@ -94,6 +96,7 @@ private:
             const auto file = co_await makeFile(packageFileName(item));
             incoming = file;
             co_await downloadPackage(item, source->publicKey, session, file, progress.fractionSetter());
+            co_await checkCancellation();
             const auto path = co_await keep(file);
             Host::current().workspace().reveal(path);
         } catch (const CancellationError&) {
