@@ -4,7 +4,8 @@
 
 namespace platform::desktop {
 
-// A menu with emoji in colour: the interface's fonts often have them in outline only, and only some. Main thread.
+// A menu with emoji in colour: the interface's fonts often have them in outline only, and only some. Main
+// thread.
 class EmojiMenu : public QMenu {
 public:
     using QMenu::QMenu;
