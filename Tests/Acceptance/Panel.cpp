@@ -91,6 +91,7 @@ Panel::Panel(Display& display)
       watcher(std::make_unique<Watcher>()) {
     const auto address = daemon.awaitLine("unix:").text;
     display.setSessionBus(address);
+    setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
     bus = std::make_unique<QDBusConnection>(
         QDBusConnection::connectToBus(QString::fromStdString(address), "panel"));
     watcher->moveToThread(&thread);

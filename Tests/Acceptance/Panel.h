@@ -22,7 +22,8 @@ public:
         std::vector<Line> submenu;
     };
 
-    // The bus is that of programs started on the display from now on; the panel is not there yet.
+    // The bus is that of the test's own process, and of programs started on the display from now on. The
+    // panel is not there yet.
     explicit Panel(Display& display);
     ~Panel();
     Panel(const Panel&) = delete;
