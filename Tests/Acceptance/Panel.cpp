@@ -59,6 +59,7 @@ public:
         if (message.member() == "RegisterStatusNotifierItem") {
             const std::lock_guard lock(mutex);
             registered = message.service();
+            changed.notify_all();
         } else if (message.member() == "ShowItems") {
             const std::lock_guard lock(mutex);
             selected = message.arguments().value(0).toStringList().join(' ');
@@ -68,6 +69,17 @@ public:
             return false;
         }
         return connection.send(reply);
+    }
+
+    void forget() {
+        const std::lock_guard lock(mutex);
+        registered.clear();
+    }
+
+    // Whether one comes.
+    bool awaitItem() const {
+        std::unique_lock lock(mutex);
+        return changed.wait_for(lock, 10s, [this] { return !registered.isEmpty(); });
     }
 
     QString item() const {
@@ -82,6 +94,7 @@ public:
 
 private:
     mutable std::mutex mutex;
+    mutable std::condition_variable changed;
     QString registered;
     QString selected;
 };
@@ -107,13 +120,17 @@ Panel::~Panel() {
     QDBusConnection::disconnectFromBus("panel");
 }
 
+void Panel::forgetItem() {
+    watcher->forget();
+}
+
 void Panel::appear() {
     if (!bus->registerService(service))
         throw std::runtime_error("No panel on the bus");
 }
 
 void Panel::awaitItem() const {
-    if (!comesTrue([this] { return !watcher->item().isEmpty(); }))
+    if (!watcher->awaitItem())
         throw std::runtime_error("No program has registered an icon");
 }
 

@@ -31,8 +31,10 @@ public:
 
     void appear();
 
-    // Waits for the first program.
+    // Waits for a program.
     void awaitItem() const;
+    // The next one is waited for from now on.
+    void forgetItem();
 
     // Its icon in that size, none if it has none.
     QImage icon(int side) const;

@@ -32,7 +32,8 @@ void handleMessage(QtMsgType type, const QMessageLogContext& context, const QStr
 } // namespace
 
 DesktopHost::DesktopHost(int& argumentCount, char** arguments)
-    : qt(std::make_unique<QApplication>(argumentCount, arguments)),
+    : networkPreparation(std::async(std::launch::async, CurlSession::prepare)),
+      qt(std::make_unique<QApplication>(argumentCount, arguments)),
       keyboardNotices(std::make_unique<KeyboardNoticeFilter>(display)),
       runLoop(std::make_unique<QtRunLoop>()),
       windows(std::make_unique<DesktopWindowServer>(*runLoop)),

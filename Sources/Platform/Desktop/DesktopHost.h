@@ -11,6 +11,8 @@
 #include "Platform/Foundation/ThreadRunLoop.h"
 #include "Platform/Host.h"
 
+#include <future>
+
 class QApplication;
 
 namespace platform::desktop {
@@ -53,6 +55,8 @@ private:
     TerminationSignals signals;
     // Next: without a display Qt would end the program in its own way.
     XConnection display;
+    // Goes on while Qt connects to the display.
+    std::future<void> networkPreparation;
     std::unique_ptr<QApplication> qt;
     std::unique_ptr<KeyboardNoticeFilter> keyboardNotices;
     std::unique_ptr<QtRunLoop> runLoop;

@@ -1,6 +1,5 @@
 #include "Platform/Desktop/DesktopLoginItem.h"
 
-#include "Platform/Desktop/DesktopEntry.h"
 #include "Platform/Foundation/FileManager.h"
 #include "Platform/Foundation/Text.h"
 
@@ -49,9 +48,8 @@ DesktopLoginItem::DesktopLoginItem(const std::filesystem::path& folder, std::fil
     : file(folder / fileName), program(std::move(executable)) {}
 
 LoginItem::Status DesktopLoginItem::status() {
-    const auto entry = DesktopEntry::read(file);
-    const bool isEnabled = isOwn() && entry->value("Type") == "Application"
-                           && !isTrue(*entry, "Hidden", false)
+    const auto entry = ownEntry();
+    const bool isEnabled = entry && entry->value("Type") == "Application" && !isTrue(*entry, "Hidden", false)
                            && isTrue(*entry, "X-GNOME-Autostart-enabled", true);
     return isEnabled ? Status::enabled : Status::notRegistered;
 }
@@ -67,7 +65,7 @@ void DesktopLoginItem::registerItem() {
 }
 
 void DesktopLoginItem::unregisterItem() {
-    if (!isOwn())
+    if (!ownEntry())
         return;
     std::error_code error;
     std::filesystem::remove(file, error);
@@ -75,9 +73,11 @@ void DesktopLoginItem::unregisterItem() {
         throw std::system_error(error, "The file " + file.string() + " could not be removed");
 }
 
-bool DesktopLoginItem::isOwn() const {
-    const auto entry = DesktopEntry::read(file);
-    return entry && entry->value("Exec") == execValue(program.string());
+std::optional<DesktopEntry> DesktopLoginItem::ownEntry() const {
+    auto entry = DesktopEntry::read(file);
+    if (entry && entry->value("Exec") != execValue(program.string()))
+        entry.reset();
+    return entry;
 }
 
 } // namespace platform::desktop

@@ -1,9 +1,7 @@
 #pragma once
 
+#include "Platform/Desktop/DesktopEntry.h"
 #include "Platform/LoginItem.h"
-
-#include <filesystem>
-#include <string>
 
 namespace platform::desktop {
 
@@ -22,7 +20,8 @@ public:
     void unregisterItem() override;
 
 private:
-    bool isOwn() const;
+    // The entry if it is the program's own.
+    std::optional<DesktopEntry> ownEntry() const;
 
     const std::filesystem::path file;
     const std::filesystem::path program;

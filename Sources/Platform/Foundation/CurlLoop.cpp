@@ -7,12 +7,6 @@
 namespace platform {
 namespace {
 
-void initializeCurl() {
-    static const CURLcode result = curl_global_init(CURL_GLOBAL_ALL);
-    if (result != CURLE_OK)
-        throw HTTPError(curl_easy_strerror(result));
-}
-
 // Signals are the main thread's. A broken pipe is reported by the call that met it.
 void blockSignals() {
     sigset_t all;
@@ -22,8 +16,14 @@ void blockSignals() {
 
 } // namespace
 
+void CurlLoop::prepare() {
+    static const CURLcode result = curl_global_init(CURL_GLOBAL_ALL);
+    if (result != CURLE_OK)
+        throw HTTPError(curl_easy_strerror(result));
+}
+
 CurlLoop::CurlLoop(int maximumConnectionsPerHost) {
-    initializeCurl();
+    prepare();
     multi.reset(curl_multi_init());
     if (!multi)
         throw std::bad_alloc();

@@ -14,6 +14,9 @@ class CurlLoop {
 public:
     explicit CurlLoop(int maximumConnectionsPerHost);
 
+    // Sets up what all loops need. The first loop waits for it, and does it if nobody has begun.
+    static void prepare();
+
     void start(std::unique_ptr<CurlTransfer> transfer);
 
     // Has the thread look for transfers that have been cancelled.

@@ -24,6 +24,10 @@ private:
 
 } // namespace
 
+void CurlSession::prepare() {
+    CurlLoop::prepare();
+}
+
 CurlSession::CurlSession(HTTPSessionConfiguration chosen,
                          const std::optional<std::filesystem::path>& authority)
     : configuration(chosen),

@@ -13,6 +13,9 @@ class TrustedCertificates;
 // then fails; exchanges may outlive the session.
 class CurlSession : public HTTPSession {
 public:
+    // Does in advance what the first session takes some milliseconds for. Any thread.
+    static void prepare();
+
     // Trusts the authorities in the PEM file `authority` besides the system's; a file without any changes
     // nothing.
     explicit CurlSession(HTTPSessionConfiguration chosen,

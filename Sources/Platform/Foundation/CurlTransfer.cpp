@@ -101,6 +101,9 @@ void CurlTransfer::setConnection() {
     set(CURLOPT_FOLLOWLOCATION, address.isSecure ? 1L : 0L);
     set(CURLOPT_MAXREDIRS, 5L);
 
+    // From the folder of authorities only those are read that are needed, from their one file all of them.
+    if (curl_version_info(CURLVERSION_NOW)->capath)
+        set(CURLOPT_CAINFO, nullptr);
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
     if (trustedCertificates) {
