@@ -47,7 +47,7 @@ void drawFrames(benchmark::State& state, const Machine& machine, Duration stretc
     const Duration frame = Duration(1s) / 60;
     WindowPicture picture;
     Duration passed{};
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         picture.paint(machine.pill().presentation(start + passed), true, {{scale, scale}, {0, 900 * scale}},
                       Backdrop::plain);
         benchmark::DoNotOptimize(picture.image().constBits());

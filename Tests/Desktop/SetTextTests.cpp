@@ -47,11 +47,14 @@ protected:
 TEST_F(SetTextTest, KeepsAsManyCharactersAsHaveRoomBeforeTheEllipsis) {
     const std::string family = "👨‍👩‍👧‍👦";
     std::string families;
-    for (int count = 0; count < 30; ++count)
+    std::string letters;
+    for (int count = 0; count < 300; ++count) {
         families += family;
+        letters += "il";
+    }
     for (const std::string& text :
          {std::string("Could you tell me the price of this sample, and the minimum order?"), families,
-          std::string("您好，请问这款样品的报价是多少？最小起订量是500件吗？"),
+          letters, std::string("您好，请问这款样品的报价是多少？最小起订量是500件吗？"),
           std::string("ééééééééééééééééééééééééééééééééééééé"),
           std::string("مرحبا، هل يمكنك إخباري بسعر هذه العينة؟ وهل الحد الأدنى للطلب")}) {
         const double width = 150;

@@ -18,7 +18,7 @@ struct DeepColor {
 
     // The highest value stays within 255 whatever is added before the low byte is dropped.
     static constexpr std::uint16_t deep(double component) {
-        return static_cast<std::uint16_t>(std::clamp(component, 0.0, 1.0) * 0xFF00 + 0.5);
+        return static_cast<std::uint16_t>(std::clamp(component, 0.0, 1.0) * 0xFF00);
     }
 
     // For the pixel of that column and row.
@@ -38,7 +38,9 @@ private:
         49, 17, 57, 25, 15, 47, 7,  39, 13, 45, 5,  37, 63, 31, 55, 23, 61, 29, 53, 21};
 
     static constexpr unsigned threshold(int x, int y) {
-        return order[static_cast<std::size_t>((y & 7) * period + (x & 7))] * 4U + 2U;
+        const auto row = static_cast<unsigned>(y) % period;
+        const auto column = static_cast<unsigned>(x) % period;
+        return order[row * period + column] * 4U + 2U;
     }
 };
 

@@ -5,9 +5,9 @@
 namespace platform::desktop {
 namespace {
 
-// How much of a pixel lies inside an edge at that distance from its middle, of 255.
+// How much of a pixel lies inside an edge at that distance from its middle, of 255, rounded.
 unsigned coverage(double distance) {
-    return static_cast<unsigned>(std::clamp(0.5 - distance, 0.0, 1.0) * 255 + 0.5);
+    return static_cast<unsigned>(std::clamp(128 - 255 * distance, 0.0, 255.0));
 }
 
 constexpr QRgb scaled(QRgb color, unsigned share) {
@@ -39,9 +39,10 @@ void forEachRun(QImage& picture, const QPoint& corner, const Outline& outline, d
             continue;
         }
         each(0, straight);
-        if (end > straight)
-            change(row + straight, end - straight, down,
-                   outline.distance(corner.x() + (straight + end) / 2 + 0.5, down));
+        if (end > straight) {
+            const int inner = (straight + end) / 2;
+            change(row + straight, end - straight, down, outline.distance(corner.x() + inner + 0.5, down));
+        }
         each(end, width);
     }
 }
