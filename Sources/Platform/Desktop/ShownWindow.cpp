@@ -33,26 +33,25 @@ void ShownWindow::draw(Duration time, const PixelGrid& grid, Backdrop backdrop) 
     picture.paint(shown, window.hasShadow, grid, backdrop);
     const bool isFaded = std::exchange(opacity, shown.opacity) != shown.opacity;
     const auto changed = isFaded || shown.opacity < 1 ? picture.place() : picture.changed();
-    if (changed == picture.place())
-        shapeSurface(backdrop, shown.opacity > 0);
+    std::optional<std::vector<xcb_rectangle_t>> shape;
+    if (changed == picture.place()) {
+        // Some compositors blur what is behind the whole of a translucent window: nothing is to be seen
+        // beyond where the shadow ends for the eye.
+        shape = spans(backdrop == Backdrop::none ? inside : visible);
+        if (backdrop == Backdrop::blurred)
+            surface.setBlurredRegion(spans(inside));
+    }
     // Without a backdrop the shape alone says what is there, and pixels at the edge are the inside's.
     if (backdrop == Backdrop::none)
-        surface.show(picture.place(), picture.image().convertToFormat(QImage::Format_RGB32), changed);
+        surface.show(picture.place(), picture.image().convertToFormat(QImage::Format_RGB32), changed, shape);
     else if (shown.opacity < 1)
-        surface.show(picture.place(), faded(picture.image(), shown.opacity), changed);
+        surface.show(picture.place(), faded(picture.image(), shown.opacity), changed, shape);
     else
-        surface.show(picture.place(), picture.image(), changed);
+        surface.show(picture.place(), picture.image(), changed, shape);
 }
 
-void ShownWindow::shapeSurface(Backdrop backdrop, bool isVisible) {
-    const auto spans = [&](int density) {
-        return isVisible ? solidSpans(picture.image(), density) : std::vector<xcb_rectangle_t>();
-    };
-    // Some compositors blur what is behind the whole of a translucent window: nothing is to be seen beyond
-    // where the shadow ends for the eye.
-    surface.setShape(spans(backdrop == Backdrop::none ? inside : visible));
-    if (backdrop == Backdrop::blurred)
-        surface.setBlurredRegion(spans(inside));
+std::vector<xcb_rectangle_t> ShownWindow::spans(int density) const {
+    return opacity > 0 ? solidSpans(picture.image(), density) : std::vector<xcb_rectangle_t>();
 }
 
 } // namespace platform::desktop

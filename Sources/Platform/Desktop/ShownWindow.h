@@ -24,7 +24,7 @@ public:
     std::optional<Duration> due;
 
 private:
-    void shapeSurface(Backdrop backdrop, bool isVisible);
+    std::vector<xcb_rectangle_t> spans(int density) const;
 
     Window& window;
     WindowSurface surface;

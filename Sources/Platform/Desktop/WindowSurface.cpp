@@ -74,7 +74,8 @@ WindowSurface::~WindowSurface() {
     x.flush();
 }
 
-void WindowSurface::show(const QRect& place, const QImage& image, const QRect& changed) {
+void WindowSurface::show(const QRect& place, const QImage& image, const QRect& changed,
+                         const std::optional<std::vector<xcb_rectangle_t>>& shape) {
     const bool isFirst = shown.isNull();
     const bool isResized = place.size() != shown.size();
     if (isResized) {
@@ -86,7 +87,7 @@ void WindowSurface::show(const QRect& place, const QImage& image, const QRect& c
     }
     const auto part = isResized ? QRect({}, place.size()) : changed.translated(-place.topLeft());
     put(image.copy(part).convertToFormat(formatFor(depth)), part.topLeft());
-    // Before the window changes its size, so that there are never others than the right pixels in it.
+    // The pixels are there before what follows, all of which the server does at a stroke.
     xcb_change_window_attributes(x, window, XCB_CW_BACK_PIXMAP, &pixmap);
     if (place != shown) {
         const std::array<std::uint32_t, 4> values{
@@ -97,6 +98,8 @@ void WindowSurface::show(const QRect& place, const QImage& image, const QRect& c
                                  | XCB_CONFIG_WINDOW_HEIGHT,
                              values.data());
     }
+    if (shape)
+        setShapeRegion(x, window, boundingShape, *shape);
     if (isFirst) {
         raise();
         xcb_map_window(x, window);
@@ -111,10 +114,6 @@ void WindowSurface::raise() const {
     constexpr std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(x, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
     x.flush();
-}
-
-void WindowSurface::setShape(const std::vector<xcb_rectangle_t>& shape) const {
-    setShapeRegion(x, window, boundingShape, shape);
 }
 
 void WindowSurface::setBlurredRegion(const std::vector<xcb_rectangle_t>& region) const {
@@ -148,7 +147,8 @@ void WindowSurface::describe(int margin) const {
 
 void WindowSurface::put(const QImage& pixels, const QPoint& corner) const {
     const auto rowBytes = static_cast<std::uint32_t>(pixels.bytesPerLine());
-    const auto most = xcb_get_maximum_request_length(x) * 4 - sizeof(xcb_put_image_request_t) - 4;
+    const auto most =
+        std::size_t{4} * xcb_get_maximum_request_length(x) - sizeof(xcb_put_image_request_t) - 4;
     const auto rows = static_cast<int>(most / rowBytes);
     for (int y = 0; y < pixels.height(); y += rows) {
         const int count = std::min(rows, pixels.height() - y);

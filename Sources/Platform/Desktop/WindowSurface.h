@@ -18,15 +18,13 @@ public:
     WindowSurface(const WindowSurface&) = delete;
     WindowSurface& operator=(const WindowSurface&) = delete;
 
-    // `image` lies at `place` and differs from what was shown in `changed`, both in pixels of the display.
-    // Comes up at the first time, in front.
-    void show(const QRect& place, const QImage& image, const QRect& changed);
+    // `image` lies at `place` and differs from what was shown in `changed`, both in pixels of the display; of
+    // it there is to be only `shape`, or the same as before. Comes up at the first time, in front.
+    void show(const QRect& place, const QImage& image, const QRect& changed,
+              const std::optional<std::vector<xcb_rectangle_t>>& shape);
 
     // Before all others.
     void raise() const;
-
-    // What there is of the window.
-    void setShape(const std::vector<xcb_rectangle_t>& shape) const;
 
     // Where a compositor that can is to blur what is behind.
     void setBlurredRegion(const std::vector<xcb_rectangle_t>& region) const;
