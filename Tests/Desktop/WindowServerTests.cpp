@@ -227,17 +227,20 @@ TEST_F(WindowServerTest, FollowsTheWindowThatHasTheKeyboardFromMonitorToMonitor)
     };
     run("xrandr --setmonitor left 800/200x600/150+0+0 screen");
     run("xrandr --setmonitor '*right' 480/120x800/200+800+0 none");
-    // The primary one is the right one; what is left of it has negative places.
-    EXPECT_EQ(frame(), (Rect{0, 0, 480, 800}));
+    // The primary one is the right one.
+    EXPECT_EQ(frame(), (Rect{800, 0, 480, 800}));
     const TestApplication writer("writer");
     const auto move = [&](int left) {
         run("xdotool windowmove --sync " + std::to_string(writer.window()) + ' ' + std::to_string(left)
             + " 100");
     };
     move(100);
-    EXPECT_TRUE(comesTrue([&] { return frame() == Rect{-800, 200, 800, 600}; }));
+    EXPECT_TRUE(comesTrue([&] { return frame() == Rect{0, 200, 800, 600}; }));
     move(900);
-    EXPECT_TRUE(comesTrue([&] { return frame() == Rect{0, 0, 480, 800}; }));
+    EXPECT_TRUE(comesTrue([&] { return frame() == Rect{800, 0, 480, 800}; }));
+    // What is on the one stays there when the other goes.
+    run("xrandr --delmonitor left");
+    EXPECT_EQ(frame(), (Rect{800, 0, 480, 800}));
 }
 
 } // namespace

@@ -50,15 +50,11 @@ QRect workArea(const XConnection& x, const QRect& all) {
 } // namespace
 
 std::vector<Monitor> monitorsOf(const XConnection& x) {
-    const auto places = outlines(x);
     std::vector<Monitor> monitors;
-    for (const auto& pixels : places) {
+    for (const auto& pixels : outlines(x)) {
         const double scale = scaleAt(pixels.topLeft());
-        const auto& first = monitors.empty() ? pixels : monitors.front().pixels;
-        const double bottom =
-            monitors.empty() ? first.height() / scale : monitors.front().screen.frame.height;
         const double height = pixels.height() / scale;
-        const Rect frame{double(pixels.x() - first.x()), bottom - (pixels.y() - first.y()) - height,
+        const Rect frame{double(pixels.x()), x.screen().height_in_pixels - pixels.y() - height,
                          pixels.width() / scale, height};
         auto usable = workArea(x, pixels) & pixels;
         if (usable.isEmpty())
