@@ -86,7 +86,7 @@ TEST_F(WindowPictureTest, IsACapsuleOfDenseGlassWithAShadowThatFadesOut) {
         EXPECT_LT(alpha(22 - 17, 22 + 17), 128) << scale;
         int last = alpha(100, -1);
         EXPECT_GT(last, 40) << scale;
-        for (double below = 2; below < 32; ++below) {
+        for (int below = 2; below < 32; ++below) {
             // It is rounded up and down by turns.
             EXPECT_LE(alpha(100, -below), last + 1) << below << " at " << scale;
             last = alpha(100, -below);

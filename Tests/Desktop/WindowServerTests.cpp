@@ -16,7 +16,6 @@ namespace platform::desktop {
 namespace {
 
 using namespace std::chrono_literals;
-using tests::comesTrue;
 using tests::DisplayProcess;
 
 // A machine in memory, but for its windows and its clock.
