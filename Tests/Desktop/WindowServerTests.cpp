@@ -224,10 +224,12 @@ TEST_F(WindowServerTest, FollowsTheWindowThatHasTheKeyboardFromMonitorToMonitor)
         const auto screen = host.desktop().mainScreen();
         return screen ? screen->frame : Rect();
     };
+    const auto visible = [&] { return host.desktop().mainScreen().value().visibleFrame; };
     run("xrandr --setmonitor left 800/200x600/150+0+0 screen");
     run("xrandr --setmonitor '*right' 480/120x800/200+800+0 none");
     // The primary one is the right one.
     EXPECT_EQ(frame(), (Rect{800, 0, 480, 800}));
+    const TestApplication bar("bar");
     const TestApplication writer("writer");
     const auto move = [&](int left) {
         run("xdotool windowmove --sync " + std::to_string(writer.window()) + ' ' + std::to_string(left)
@@ -237,6 +239,20 @@ TEST_F(WindowServerTest, FollowsTheWindowThatHasTheKeyboardFromMonitorToMonitor)
     EXPECT_TRUE(comesTrue([&] { return frame() == Rect{0, 200, 800, 600}; }));
     move(900);
     EXPECT_TRUE(comesTrue([&] { return frame() == Rect{800, 0, 480, 800}; }));
+    // A bar takes from the monitor that it stands on, and not from the one above or beside it.
+    const auto reserve = [&](std::vector<std::uint32_t> strut) {
+        x.setProperty(bar.window(), x.atom("_NET_WM_STRUT_PARTIAL"), XCB_ATOM_CARDINAL, strut);
+        x.flush();
+    };
+    move(100);
+    reserve({0, 0, 30, 0, 0, 0, 0, 0, 800, 1279, 0, 0});
+    EXPECT_TRUE(comesTrue([&] { return visible() == Rect{0, 200, 800, 600}; }));
+    reserve({0, 0, 30, 0, 0, 0, 0, 0, 0, 799, 0, 0});
+    EXPECT_TRUE(comesTrue([&] { return visible() == Rect{0, 200, 800, 570}; }));
+    reserve({0, 0, 0, 240, 0, 0, 0, 0, 0, 0, 0, 799});
+    EXPECT_TRUE(comesTrue([&] { return visible() == Rect{0, 240, 800, 560}; }));
+    move(900);
+    EXPECT_TRUE(comesTrue([&] { return visible() == Rect{800, 0, 480, 800}; }));
     // What is on the one stays there when the other goes.
     run("xrandr --delmonitor left");
     EXPECT_EQ(frame(), (Rect{800, 0, 480, 800}));

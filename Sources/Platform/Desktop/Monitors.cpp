@@ -1,6 +1,7 @@
 #include "Platform/Desktop/Monitors.h"
 
 #include "Platform/Desktop/ActiveWindow.h"
+#include "Platform/Desktop/UsableArea.h"
 
 #include <algorithm>
 
@@ -36,29 +37,18 @@ double scaleAt(const QPoint& corner) {
     return found != screens.end() ? (*found)->devicePixelRatio() : qGuiApp->devicePixelRatio();
 }
 
-// What the window manager keeps free of bars, on the workspace that is shown; all if it doesn't say.
-QRect workArea(const XConnection& x, const QRect& all) {
-    const auto property = x.property(x.root(), x.atom("_NET_WORKAREA"));
-    const auto values = property ? property->values() : std::vector<std::uint32_t>{};
-    const auto workspace = std::size_t{x.propertyValue(x.root(), "_NET_CURRENT_DESKTOP").value_or(0)};
-    if (values.size() < 4 * (workspace + 1))
-        return all;
-    const auto value = [&](std::size_t index) { return static_cast<int>(values[4 * workspace + index]); };
-    return {value(0), value(1), value(2), value(3)};
-}
-
 } // namespace
 
 std::vector<Monitor> monitorsOf(const XConnection& x) {
     std::vector<Monitor> monitors;
-    for (const auto& pixels : outlines(x)) {
+    const auto all = outlines(x);
+    const UsableArea area(x, all.size() > 1);
+    for (const auto& pixels : all) {
         const double scale = scaleAt(pixels.topLeft());
         const double height = pixels.height() / scale;
         const Rect frame{double(pixels.x()), x.screen().height_in_pixels - pixels.y() - height,
                          pixels.width() / scale, height};
-        auto usable = workArea(x, pixels) & pixels;
-        if (usable.isEmpty())
-            usable = pixels;
+        const auto usable = area.of(pixels);
         const Rect visible{frame.x + (usable.x() - pixels.x()) / scale,
                            frame.maxY() - (usable.y() + usable.height() - pixels.y()) / scale,
                            usable.width() / scale, usable.height() / scale};
