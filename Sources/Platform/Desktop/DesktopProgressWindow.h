@@ -16,7 +16,7 @@ public:
     DesktopProgressWindow(const DesktopProgressWindow&) = delete;
     DesktopProgressWindow& operator=(const DesktopProgressWindow&) = delete;
 
-    void setFraction(std::optional<double> fraction) override;
+    void setFraction(std::optional<double> fraction) final;
 
     QDialog& widget() { return *dialog; }
 
