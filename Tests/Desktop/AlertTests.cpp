@@ -55,7 +55,7 @@ TEST_F(AlertTest, ComesToTheFrontWithItsTextAsItIs) {
         EXPECT_TRUE(comesTrue([&] { return activeWindow(x) == window.winId(); }));
         ASSERT_EQ(window.buttons().size(), 1);
         EXPECT_EQ(window.buttons()[0]->text(), "好");
-        EXPECT_TRUE(window.buttons()[0]->hasFocus());
+        EXPECT_TRUE(comesTrue([&] { return window.buttons()[0]->hasFocus(); }));
         EXPECT_EQ(window.icon(), QMessageBox::Warning);
         for (const auto* label : window.template findChildren<QLabel*>())
             EXPECT_TRUE(label->text() != "<b>Text</b>" || label->textFormat() == Qt::PlainText);
