@@ -3,7 +3,10 @@
 
 #include <array>
 #include <gtest/gtest.h>
+#include <optional>
+#include <string>
 #include <thread>
+#include <tuple>
 
 using namespace tests;
 
@@ -58,6 +61,26 @@ TEST(Bundle, GivesOnlyTextsOfItsInfo) {
     EXPECT_EQ(bundle.info("feed"), "https://a");
     for (const char* key : {"build", "nested", "missing"})
         EXPECT_EQ(bundle.info(key), std::nullopt) << key;
+}
+
+TEST(Bundle, PutsTheUsersInfoBeforeItsOwn) {
+    const TemporaryFolder folder;
+    folder.write("Info.json", R"({"url":"https://a","version":"1.2"})");
+    const std::tuple<std::optional<std::string>, std::string, bool> cases[] = {
+        {std::nullopt, "https://a", true},
+        {R"({"url":"https://b"})", "https://b", true},
+        {R"({"url":7})", "https://a", true},
+        {R"({"url":"https://b",})", "https://a", false},
+        {"", "https://a", false},
+    };
+    for (const auto& [own, url, isSound] : cases) {
+        if (own)
+            folder.write("own.json", *own);
+        const Bundle bundle(folder.path(), folder / "own.json");
+        EXPECT_EQ(bundle.info("url"), url) << own.value_or("none");
+        EXPECT_EQ(bundle.info("version"), "1.2");
+        EXPECT_EQ(bundle.hasSoundOwnInfo(), isSound) << own.value_or("none");
+    }
 }
 
 TEST(Bundle, IsReadFromSeveralThreads) {

@@ -330,6 +330,15 @@ TEST(CurlSession, TrustsNoServerThatItCannotVerify) {
         "Could not connect");
 }
 
+TEST(CurlSession, TrustsACertificateThatIsMadeAfterIt) {
+    const TestService service(Protocol::http1, answering([](const auto&) { return ok("x"); }));
+    const TemporaryFolder folder;
+    CurlSession session({}, folder / "authority.pem");
+    expectContains(fetch(session, get(service.url())).error, "not trusted");
+    std::filesystem::copy(service.authorityFile(), folder / "authority.pem");
+    EXPECT_EQ(fetch(session, get(service.url())).error, "");
+}
+
 TEST(CurlSession, TimesOutWhileConnecting) {
     const TLSServer silent(nullptr, [](TLSConnection& connection) { connection.waitForClose(); });
     CurlSession session({});

@@ -29,6 +29,17 @@ void handleMessage(QtMsgType type, const QMessageLogContext& context, const QStr
     std::fputs(line.c_str(), stderr);
 }
 
+// A certificate stands beside the Info.json that names it, the user's or the bundle's, or is one that a
+// service of the user's own makes. That one may be yet to come.
+std::filesystem::path placeOfCertificate(const std::filesystem::path& name, const Directories& folders) {
+    for (const auto& folder : {folders.configuration, folders.resources}) {
+        std::error_code error;
+        if (std::filesystem::exists(folder / name, error))
+            return folder / name;
+    }
+    return folders.applicationSupport / name;
+}
+
 } // namespace
 
 DesktopHost::DesktopHost(int& argumentCount, char** arguments)
@@ -40,7 +51,7 @@ DesktopHost::DesktopHost(int& argumentCount, char** arguments)
       keys(std::make_unique<DesktopKeyboard>(display, *runLoop, postedKeys)),
       applications(display, ApplicationNames(dataFolders(), preferredLocales())),
       folders(sessionDirectories()),
-      bundle(folders.resources),
+      bundle(folders.resources, folders.configuration / "Info.json"),
       bar(display, bundle,
           [this](const std::string& command) {
               if (command == "terminate:")
@@ -61,6 +72,8 @@ DesktopHost::~DesktopHost() {
 }
 
 void DesktopHost::runEventLoop() {
+    if (!bundle.hasSoundOwnInfo())
+        alertWindows.tell({Alert::Style::warning, texts.text("info.title"), texts.text("info.unusable"), {}});
     QApplication::exec();
 }
 
@@ -99,7 +112,7 @@ std::vector<std::string> DesktopHost::preferredLanguages() {
 std::shared_ptr<HTTPSession> DesktopHost::makeHTTPSession(HTTPSessionConfiguration configuration) {
     std::optional<std::filesystem::path> authority;
     if (auto certificate = bundle.info("LumarinServiceCertificate"))
-        authority = bundle.path() / *certificate;
+        authority = placeOfCertificate(*certificate, folders);
     return std::make_shared<CurlSession>(configuration, authority);
 }
 

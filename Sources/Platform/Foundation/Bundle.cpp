@@ -21,7 +21,8 @@ std::optional<Value> valueIn(const std::map<Key, Value>& map, const Key& key) {
 
 } // namespace
 
-Bundle::Bundle(std::filesystem::path folder) : path_(std::move(folder)) {}
+Bundle::Bundle(std::filesystem::path folder, std::filesystem::path ownInfo)
+    : path_(std::move(folder)), ownInfo_(std::move(ownInfo)) {}
 
 std::optional<std::filesystem::path> Bundle::pathForResource(const std::string& name,
                                                              const std::string& type) const {
@@ -46,10 +47,16 @@ std::string Bundle::localizedString(const std::string& key, const std::string& v
 std::optional<std::string> Bundle::info(const std::string& key) const {
     const std::lock_guard lock(mutex_);
     if (!info_) {
-        const std::string bytes = files::contents(path_ / "Info.json").value_or("");
-        info_ = decodeStringMembers(bytes).value_or(Texts());
+        info_.emplace();
+        for (const auto& file : {ownInfo_, path_ / "Info.json"})
+            info_->merge(decodeStringMembers(files::contents(file).value_or("")).value_or(Texts()));
     }
     return valueIn(*info_, key);
+}
+
+bool Bundle::hasSoundOwnInfo() const {
+    const auto own = files::read(ownInfo_);
+    return own.status == files::ReadStatus::missing || decodeStringMembers(own.bytes);
 }
 
 const Bundle& Bundle::bundleAt(const std::filesystem::path& folder) const {

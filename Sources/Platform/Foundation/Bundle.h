@@ -13,7 +13,8 @@ namespace platform {
 // once, when first asked for.
 class Bundle {
 public:
-    explicit Bundle(std::filesystem::path folder);
+    // What stands in the file `ownInfo`, the user's, goes before what the folder's Info.json has.
+    explicit Bundle(std::filesystem::path folder, std::filesystem::path ownInfo = {});
 
     const std::filesystem::path& path() const { return path_; }
 
@@ -25,8 +26,11 @@ public:
     std::string localizedString(const std::string& key, const std::string& valueIfMissing,
                                 const std::string& table = "Localizable") const;
 
-    // The member `key` of Info.json, none if it is missing or not a string.
+    // The member `key` of the user's file or of Info.json, none if it is missing or not a string.
     std::optional<std::string> info(const std::string& key) const;
+
+    // Whether there is no file of the user's own, or one that can be used.
+    bool hasSoundOwnInfo() const;
 
     // The bundle of another folder, the same one whenever the same path is asked for. It lives as long as
     // this bundle.
@@ -36,6 +40,7 @@ private:
     using Texts = std::map<std::string, std::string>;
 
     std::filesystem::path path_;
+    std::filesystem::path ownInfo_;
     mutable std::mutex mutex_;
     mutable std::map<std::string, Texts> tables_;
     mutable std::optional<Texts> info_;

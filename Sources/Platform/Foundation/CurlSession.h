@@ -16,8 +16,8 @@ public:
     // Does in advance what the first session takes some milliseconds for. Any thread.
     static void prepare();
 
-    // Trusts the authorities in the PEM file `authority` besides the system's; a file without any changes
-    // nothing.
+    // Trusts the authorities in the PEM file `authority` besides the system's, as they stand there when a
+    // connection is made; a file without any changes nothing.
     explicit CurlSession(HTTPSessionConfiguration chosen,
                          const std::optional<std::filesystem::path>& authority = std::nullopt);
     ~CurlSession() override;

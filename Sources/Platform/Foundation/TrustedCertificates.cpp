@@ -2,6 +2,7 @@
 
 #include "Platform/Foundation/FileManager.h"
 
+#include <memory>
 #include <openssl/err.h>
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
@@ -19,25 +20,19 @@ int verify(X509_STORE_CTX* chain, void*) {
 
 } // namespace
 
-TrustedCertificates::TrustedCertificates(const std::filesystem::path& pemFile) {
-    const std::string pem = files::contents(pemFile).value_or("");
-    const std::unique_ptr<BIO, decltype(&BIO_free)> source(
-        BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())), &BIO_free);
-    while (X509* certificate = PEM_read_bio_X509(source.get(), nullptr, nullptr, nullptr))
-        certificates.emplace_back(certificate);
-    // The end of the file counts as an error, and would be taken for one of the thread's next operation.
-    ERR_clear_error();
-}
+TrustedCertificates::TrustedCertificates(std::filesystem::path pemFile) : file(std::move(pemFile)) {}
 
 void TrustedCertificates::addTo(ssl_ctx_st* context) const {
-    for (const auto& certificate : certificates)
+    const std::string pem = files::contents(file).value_or("");
+    const std::unique_ptr<BIO, decltype(&BIO_free)> source(
+        BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())), &BIO_free);
+    while (X509* read = PEM_read_bio_X509(source.get(), nullptr, nullptr, nullptr)) {
+        const std::unique_ptr<X509, decltype(&X509_free)> certificate(read, &X509_free);
         X509_STORE_add_cert(SSL_CTX_get_cert_store(context), certificate.get());
+    }
+    // The end of the file counts as an error, and would be taken for one of the thread's next operation.
     ERR_clear_error();
     SSL_CTX_set_cert_verify_callback(context, &verify, nullptr);
-}
-
-void TrustedCertificates::Free::operator()(x509_st* certificate) const {
-    X509_free(certificate);
 }
 
 } // namespace platform

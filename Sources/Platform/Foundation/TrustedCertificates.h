@@ -1,28 +1,22 @@
 #pragma once
 
 #include <filesystem>
-#include <memory>
-#include <vector>
 
 struct ssl_ctx_st;
-struct x509_st;
 
 namespace platform {
 
-// Authorities to trust besides the system's. Unchanging, for any thread.
+// Authorities to trust besides the system's: the certificates in a PEM file. For any thread.
 class TrustedCertificates {
 public:
-    // The certificates in a PEM file: those before its first fault, none if it cannot be read.
-    explicit TrustedCertificates(const std::filesystem::path& pemFile);
+    explicit TrustedCertificates(std::filesystem::path pemFile);
 
+    // Adds those before the file's first fault, none if it cannot be read. It is read anew each time: a
+    // service makes its certificate when it first starts, and makes it again before it ends.
     void addTo(ssl_ctx_st* context) const;
 
 private:
-    struct Free {
-        void operator()(x509_st* certificate) const;
-    };
-
-    std::vector<std::unique_ptr<x509_st, Free>> certificates;
+    const std::filesystem::path file;
 };
 
 } // namespace platform
