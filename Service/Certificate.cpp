@@ -18,7 +18,7 @@ namespace {
 namespace files = platform::files;
 using Clock = std::chrono::system_clock;
 
-// A service runs for a long time: a certificate close to its end is replaced while it starts.
+// Long enough to tell those who trust it of the new one.
 constexpr std::chrono::days renewal{30};
 
 // Empty when there is no such file.
@@ -50,7 +50,8 @@ bool endsBefore(const X509& certificate, Clock::time_point moment) {
 
 } // namespace
 
-CertificateFiles ensureCertificate(const std::filesystem::path& path, Clock::time_point now) {
+CertificateFiles ensureCertificate(const std::filesystem::path& path, const std::vector<std::string>& names,
+                                   Clock::time_point now) {
     CertificateFiles pair{.certificate = std::filesystem::absolute(path), .key = {}};
     pair.key = std::filesystem::path(pair.certificate).replace_extension(".key");
     if (pair.key == pair.certificate)
@@ -70,7 +71,8 @@ CertificateFiles ensureCertificate(const std::filesystem::path& path, Clock::tim
     bool isMissing = certificateText.empty() && keyText.empty();
     bool isOurs = certificate && isSelfSigned(*certificate);
     bool matches = certificate && key && X509_check_private_key(certificate.get(), key.get()) == 1;
-    if (matches && !endsBefore(*certificate, isOurs ? now + renewal : now))
+    bool isGood = matches && !endsBefore(*certificate, isOurs ? now + renewal : now);
+    if (isGood && (!isOurs || isFor(*certificate, names)))
         return pair;
     if (!isMissing && !isOurs)
         throw std::runtime_error(matches
@@ -78,7 +80,7 @@ CertificateFiles ensureCertificate(const std::filesystem::path& path, Clock::tim
                                      : "There is no certificate with its key in " + pair.certificate.string()
                                            + " and " + pair.key.string() + ".");
     // The certificate first: a key alone could be anyone's, and would not be written over.
-    auto fresh = makeSelfSigned(now);
+    auto fresh = makeSelfSigned(now, names);
     files::writeAtomically(pair.certificate, fresh.certificate);
     files::writeAtomically(pair.key, fresh.key);
     return pair;

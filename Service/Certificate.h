@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace lumarin::service {
 
@@ -12,11 +14,12 @@ struct CertificateFiles {
 };
 
 // Sees to it that a usable certificate stands in `path`, with its key beside it under the same name
-// ending in .key. A missing pair is made, for localhost and the loopback addresses; one made here earlier is
-// made again when it is broken or about to expire. Files that were not made here are never written over.
+// ending in .key. A missing pair is made, for localhost, the loopback addresses and `names` (host names and
+// addresses); one made here earlier is made again when it is broken, about to expire or lacks a name. Files
+// that were not made here are never written over.
 // Throws std::runtime_error with one sentence when there is no usable pair in the end.
 CertificateFiles
-ensureCertificate(const std::filesystem::path& path,
+ensureCertificate(const std::filesystem::path& path, const std::vector<std::string>& names = {},
                   std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
 
 } // namespace lumarin::service

@@ -14,14 +14,14 @@ class WordByWord final : public Translation {
 public:
     explicit WordByWord(std::string english) : text(std::move(english)) {}
 
-    std::optional<std::string> next() override {
+    Progress next(Clock::time_point) override {
         constexpr std::string_view whitespace = " \t\r\n";
         if (position == text.size())
-            return std::nullopt;
+            return {};
         std::size_t start = position;
         position = std::min(text.find_first_not_of(whitespace, position), text.size());
         position = std::min(text.find_first_of(whitespace, position), text.size());
-        return text.substr(start, position - start);
+        return {Progress::Kind::piece, text.substr(start, position - start)};
     }
 
 private:
@@ -41,7 +41,7 @@ bool hasChinese(std::string_view text) {
 
 } // namespace
 
-std::unique_ptr<Translation> Gloss::begin(const TranslationRequest& request) const {
+std::unique_ptr<Translation> Gloss::begin(const TranslationRequest& request, const Waiting&) const {
     constexpr int notImplemented = 501;
     if (request.targetLanguage != "EN")
         throw Refusal(notImplemented, "The built-in gloss knows English only; start lumarin-service with "

@@ -13,7 +13,8 @@ namespace lumarin::service {
 class Gloss final : public TranslationEngine {
 public:
     // Refuses every target language but English.
-    std::unique_ptr<Translation> begin(const TranslationRequest& request) const override;
+    std::unique_ptr<Translation> begin(const TranslationRequest& request,
+                                       const Waiting& waiting) const override;
 
     // The English text; `chinese` is well-formed UTF-8. A text without any Chinese comes back as it is.
     std::string text(std::string_view chinese) const;

@@ -1,35 +1,51 @@
 #pragma once
 
-#include "Service/Certificate.h"
-#include "Service/Handles.h"
+#include "Service/CertificateKeeper.h"
+#include "Service/Connections.h"
+#include "Service/Exchange.h"
+#include "Service/Signals.h"
 
-#include <atomic>
 #include <chrono>
+#include <functional>
 #include <httplib.h>
 
 namespace lumarin::service {
 
 // The HTTP library's server over TLS, with bounds the library itself does not set: on the size and duration
-// of a request, its headers included, and on connections that idle while others wait for a thread.
+// of a request, its headers included, and on connections.
 class HTTPSServer final : public httplib::Server {
 public:
-    // Throws std::runtime_error when the certificate or its key cannot be used.
-    explicit HTTPSServer(const CertificateFiles& files);
+    // Called on the connection's thread when a request has been answered, as far as it was.
+    using Ended = std::function<void(const Exchange&)>;
+
+    HTTPSServer(CertificateKeeper& identity, std::size_t places, std::chrono::seconds timeForRequest,
+                Ended report);
     ~HTTPSServer() override;
 
-    // Ends listen_after_bind() once the answers under way are written. Any thread, at any time.
-    void stopListening();
-    // Takes more waiting connections than the library's five. Called once bound.
-    void widenBacklog();
-    // When the request being handled on the calling thread began.
-    static std::chrono::steady_clock::time_point& requestStart();
+    // Takes connections in from now on. Port 0 takes any free one; returns the port. Throws
+    // std::runtime_error.
+    std::uint16_t bindTo(const std::string& host, std::uint16_t port);
+    // Answers until stopListening(); returns when the answers under way are complete.
+    void serve();
+    // Any thread, at any time.
+    void stopListening() const { signals.stop.raise(); }
+    // Breaks off the answers under way. Any thread, after stopListening().
+    void abandonAnswers() const { signals.abandon.raise(); }
+
+    std::size_t openConnections() const { return connections.count(); }
+    std::size_t refusedConnections() const { return refused; }
 
 private:
-    bool process_and_close_socket(socket_t socket) override;
+    void acceptConnection();
+    void serveConnection(SSL_CTX& context, int socket, Connections::Place& place);
+    bool serveRequest(TLSStream& stream, Connections::Place& place, bool isLast);
 
-    TLSContext context;
-    Descriptor stopSignal;
-    std::atomic<int> waitingConnections = 0;
+    CertificateKeeper& certificates;
+    const std::chrono::seconds requestTime;
+    const Ended ended;
+    EndSignals signals;
+    std::atomic<std::size_t> refused = 0;
+    Connections connections;
 };
 
 } // namespace lumarin::service

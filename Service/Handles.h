@@ -6,6 +6,7 @@
 #include <openssl/ssl.h>
 #include <openssl/x509.h>
 #include <unistd.h>
+#include <utility>
 
 namespace lumarin::service {
 
@@ -29,14 +30,16 @@ using TLSSession = std::unique_ptr<SSL, Release<SSL_free>>;
 class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (number_ >= 0)
-            ::close(number_);
-    }
+    Descriptor(Descriptor&& other) noexcept : number_(other.release()) {}
+    Descriptor& operator=(Descriptor&&) = delete;
+    ~Descriptor() { close(); }
 
     int number() const { return number_; }
+    int release() { return std::exchange(number_, -1); }
+    void close() {
+        if (number_ >= 0)
+            ::close(release());
+    }
 
 private:
     int number_;

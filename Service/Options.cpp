@@ -1,8 +1,10 @@
 #include "Service/Options.h"
 
-#include <charconv>
+#include "Service/Settings.h"
+
 #include <cstdlib>
 #include <getopt.h>
+#include <utility>
 
 namespace lumarin::service {
 namespace {
@@ -10,38 +12,55 @@ namespace {
 constexpr std::string_view usageText = R"(Usage: lumarin-service [OPTION]...
 Answer Lumarin's translation requests over HTTPS.
 
-The text is put into English by a built-in gloss of Chinese, word by word from
-a table of trade terms and common phrases. It needs no network, lets you try
-Lumarin, and is no match for a translator; what it does not know passes through
-unchanged.
+Where translations come from:
+  --upstream URL       the base address of a server that speaks the
+                       chat-completions protocol, such as
+                       http://127.0.0.1:8000/v1; over https its certificate is
+                       checked, plain http goes to whatever address you name
+  --model NAME         the model to ask it for
+  --key-file FILE      a file that holds the key it wants, readable by you alone
+  --upstream-authority FILE
+                       an authority in PEM form to trust for it, besides the
+                       system's
+  --parameters JSON    more members of each request to it, such as
+                       {"temperature": 0}
+  --timeout SECONDS    the longest time it may say nothing (default 8); with
+                       more, Lumarin is kept waiting as long as it takes
 
+Without --upstream the text is put into English by a built-in gloss of Chinese,
+word by word from a table of trade terms and common phrases. It needs no
+network, lets you try Lumarin, and is no match for a translator; what it does
+not know passes through unchanged.
+
+Who is served:
   --listen HOST:PORT   where to listen (default 127.0.0.1:8443);
                        port 0 takes any free one
   --certificate FILE   the certificate in PEM form, with its private key beside
-                       it under the same name ending in .key; both are made for
-                       localhost if missing (default: certificate.pem under
+                       it under the same name ending in .key; both are made if
+                       missing (default: certificate.pem under
                        $XDG_DATA_HOME/lumarin-service)
+  --names NAME,...     host names and addresses to make it for, besides
+                       localhost
+  --appcast FOLDER     a folder of updates to serve under /appcast/
+
+How much is served; 0 is no limit:
+  --rate N             translations a minute (default 6000)
+  --at-once N          translations under way (default 256)
+  --device-rate N      the same for one computer (default 60)
+  --device-at-once N   (default 4)
+  --connections N      open connections (default 1000, at least 1)
+  --request-time SECONDS
+                       the longest time for one request (default 300)
+
+  --config FILE        a JSON file with any of these by the same names, such as
+                       {"upstream": "http://127.0.0.1:8000/v1", "rate": 600};
+                       paths in it are relative to its folder, and options on
+                       the command line win over it
   --help               show this text
 
-A client has to trust the certificate file as an authority.
+A client has to trust the certificate file as an authority. GET /healthz tells
+whether the service runs, GET /metrics what it has done.
 )";
-
-void setListen(Options& options, std::string_view address) {
-    const auto refuse = [&] {
-        return OptionError("--listen takes HOST:PORT, not \"" + std::string(address) + "\".");
-    };
-    const auto colon = address.rfind(':');
-    if (colon == std::string_view::npos)
-        throw refuse();
-    std::string_view host = address.substr(0, colon);
-    const std::string_view port = address.substr(colon + 1);
-    if (host.starts_with('[') && host.ends_with(']'))
-        host = host.substr(1, host.size() - 2);
-    const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), options.port);
-    if (host.empty() || error != std::errc{} || end != port.data() + port.size())
-        throw refuse();
-    options.host = host;
-}
 
 std::filesystem::path defaultCertificate() {
     const char* data = std::getenv("XDG_DATA_HOME");
@@ -54,40 +73,52 @@ std::filesystem::path defaultCertificate() {
     return std::filesystem::path(home) / ".local/share/lumarin-service/certificate.pem";
 }
 
+// A line for each setting, numbered from 1 on in their order, and for the two options that are none.
+std::vector<option> knownOptions(int config, int help) {
+    std::vector<option> known;
+    for (const Setting& setting : settings())
+        known.push_back({setting.name, required_argument, nullptr, static_cast<int>(known.size()) + 1});
+    known.push_back({"config", required_argument, nullptr, config});
+    known.push_back({"help", no_argument, nullptr, help});
+    known.push_back({nullptr, 0, nullptr, 0});
+    return known;
+}
+
+Options finished(Options options) {
+    if (options.upstream.empty() && (!options.model.empty() || !options.key.empty()))
+        throw OptionError("A model or a key is of no use without --upstream.");
+    if (options.certificate.empty())
+        options.certificate = defaultCertificate();
+    return options;
+}
+
 } // namespace
 
 Options parseOptions(int count, char* const* arguments) {
-    enum : int { listen = 1, certificate, help };
-    static constexpr option known[] = {{"listen", required_argument, nullptr, listen},
-                                       {"certificate", required_argument, nullptr, certificate},
-                                       {"help", no_argument, nullptr, help},
-                                       {nullptr, 0, nullptr, 0}};
+    enum : int { config = 1000, help };
+    const auto known = knownOptions(config, help);
+    std::vector<std::pair<const Setting*, std::string>> chosen;
     Options options;
     optind = 0; // Starts getopt afresh.
-    while (true) {
-        switch (getopt_long(count, arguments, ":", known, nullptr)) {
-        case listen:
-            setListen(options, optarg);
-            break;
-        case certificate:
-            options.certificate = optarg;
-            break;
-        case help:
-            options.help = true;
-            break;
-        case ':':
+    for (int found = 0; (found = getopt_long(count, arguments, ":", known.data(), nullptr)) != -1;) {
+        if (found == ':')
             throw OptionError(std::string(arguments[optind - 1]) + " needs a value.");
-        case -1:
-            if (optind < count)
-                throw OptionError("Unexpected argument \"" + std::string(arguments[optind])
-                                  + "\"; see --help.");
-            if (options.certificate.empty() && !options.help)
-                options.certificate = defaultCertificate();
-            return options;
-        default:
+        if (found == '?')
             throw OptionError("Unknown option \"" + std::string(arguments[optind - 1]) + "\"; see --help.");
-        }
+        if (found == config)
+            setFromFile(options, optarg);
+        else if (found == help)
+            options.help = true;
+        else
+            chosen.emplace_back(&settings()[static_cast<std::size_t>(found) - 1], optarg);
     }
+    if (optind < count)
+        throw OptionError("Unexpected argument \"" + std::string(arguments[optind]) + "\"; see --help.");
+    if (options.help)
+        return options;
+    for (const auto& [setting, value] : chosen)
+        setFromCommandLine(options, *setting, value);
+    return finished(std::move(options));
 }
 
 std::string_view usage() {

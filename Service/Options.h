@@ -1,28 +1,50 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace lumarin::service {
 
-// What the command line asks for.
+// What the operator asks for, on the command line and in the configuration file.
 struct Options {
     std::string host = "127.0.0.1";
     std::uint16_t port = 8443; // 0: any free one.
     std::filesystem::path certificate;
+    std::vector<std::string> names; // Besides localhost and the loopback addresses.
+
+    std::string upstream; // Empty for the built-in gloss.
+    std::string model;
+    std::string key;                         // The content of --key-file.
+    std::filesystem::path upstreamAuthority; // Empty for none.
+    nlohmann::json parameters = nlohmann::json::object();
+    std::chrono::seconds timeout{8};
+
+    // Translations a minute and at once; zero is no limit.
+    int rate = 6000;
+    int atOnce = 256;
+    int deviceRate = 60;
+    int deviceAtOnce = 4;
+    int connections = 1000;
+    std::chrono::seconds requestTime{300};
+
+    std::filesystem::path appcast; // Empty for none.
     bool help = false;
 };
 
-// A command line that cannot be followed; what() is one sentence for the person who wrote it.
+// Options that cannot be followed; what() is one sentence for the person who wrote them.
 class OptionError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// Reads main's arguments. Not to be called by two threads at once.
+// Reads main's arguments, and the configuration file that they name. Not to be called by two threads at once.
+// Throws an OptionError.
 Options parseOptions(int count, char* const* arguments);
 
 // The text of --help.

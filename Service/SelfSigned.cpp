@@ -2,6 +2,7 @@
 
 #include "Service/Handles.h"
 
+#include <algorithm>
 #include <array>
 #include <openssl/bn.h>
 #include <openssl/pem.h>
@@ -40,6 +41,19 @@ void setSerial(X509& certificate) {
           && BN_to_ASN1_INTEGER(serial.get(), X509_get_serialNumber(&certificate)));
 }
 
+bool isAddress(const std::string& name) {
+    const std::unique_ptr<ASN1_OCTET_STRING, Release<ASN1_OCTET_STRING_free>> bytes(
+        a2i_IPADDRESS(name.c_str()));
+    return bytes != nullptr;
+}
+
+std::string alternativeNames(const std::vector<std::string>& names) {
+    std::string all = "DNS:localhost,IP:127.0.0.1,IP:::1";
+    for (const std::string& name : names)
+        all += (isAddress(name) ? ",IP:" : ",DNS:") + name;
+    return all;
+}
+
 template <typename Write>
 std::string pem(Write write) {
     const Bio bio(BIO_new(BIO_s_mem()));
@@ -51,7 +65,7 @@ std::string pem(Write write) {
 
 } // namespace
 
-PemPair makeSelfSigned(std::chrono::system_clock::time_point now) {
+PemPair makeSelfSigned(std::chrono::system_clock::time_point now, const std::vector<std::string>& names) {
     using std::chrono::system_clock;
     const PrivateKey key(EVP_EC_gen("P-256"));
     const X509Certificate certificate(X509_new());
@@ -71,13 +85,20 @@ PemPair makeSelfSigned(std::chrono::system_clock::time_point now) {
     addExtension(*certificate, NID_key_usage, "critical,digitalSignature");
     addExtension(*certificate, NID_ext_key_usage, "serverAuth");
     addExtension(*certificate, NID_subject_key_identifier, "hash");
-    addExtension(*certificate, NID_subject_alt_name, "DNS:localhost,IP:127.0.0.1,IP:::1");
+    addExtension(*certificate, NID_subject_alt_name, alternativeNames(names).c_str());
     check(X509_sign(certificate.get(), key.get(), EVP_sha256()) > 0);
 
     return {.certificate = pem([&](BIO* bio) { return PEM_write_bio_X509(bio, certificate.get()); }),
             .key = pem([&](BIO* bio) {
                 return PEM_write_bio_PrivateKey(bio, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
             })};
+}
+
+bool isFor(X509& certificate, const std::vector<std::string>& names) {
+    return std::ranges::all_of(names, [&](const std::string& name) {
+        return X509_check_host(&certificate, name.data(), name.size(), 0, nullptr) == 1
+               || X509_check_ip_asc(&certificate, name.c_str(), 0) == 1;
+    });
 }
 
 bool isSelfSigned(const X509& certificate) {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <openssl/x509.h>
 #include <string>
+#include <vector>
 
 namespace lumarin::service {
 
@@ -11,9 +12,12 @@ struct PemPair {
     std::string key;
 };
 
-// Makes a key and a certificate for localhost that the key itself has signed, good for ten years from `now`.
-// Throws std::runtime_error.
-PemPair makeSelfSigned(std::chrono::system_clock::time_point now);
+// Makes a key and a certificate that the key itself has signed, good for ten years from `now`, for localhost
+// and `names`: host names and addresses. Throws std::runtime_error.
+PemPair makeSelfSigned(std::chrono::system_clock::time_point now, const std::vector<std::string>& names);
+
+// Whether the certificate is good for all of `names`.
+bool isFor(X509& certificate, const std::vector<std::string>& names);
 
 // Whether the certificate was made by makeSelfSigned.
 bool isSelfSigned(const X509& certificate);

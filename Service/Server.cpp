@@ -1,154 +1,225 @@
 #include "Service/Server.h"
 
-#include "Service/HTTPSServer.h"
 #include "Service/Refusal.h"
-#include "Service/Requests.h"
 
-#include <cerrno>
-#include <cstring>
-#include <nlohmann/json.hpp>
-#include <stdexcept>
+#include <algorithm>
+#include <array>
+#include <cctype>
 
 namespace lumarin::service {
 namespace {
 
 constexpr const char* streamPath = "/v1/translate";
 constexpr const char* wholePath = "/v1/free";
+constexpr const char* healthPath = "/healthz";
+constexpr const char* metricsPath = "/metrics";
+constexpr std::string_view appcastPath = "/appcast/";
 constexpr std::size_t bodyLimit = std::size_t{1024} * 1024;
+constexpr std::size_t longestDeviceName = 128;
+constexpr int clientClosedRequest = 499; // As other servers log it; nobody is there to read it.
 
 constexpr const char* plainText = "text/plain; charset=utf-8";
-constexpr const char* eventStream = "text/event-stream";
+constexpr const char* metricsText = "text/plain; version=0.0.4; charset=utf-8";
 
 using httplib::Request;
 using httplib::Response;
 
-bool isKnown(const std::string& path) {
-    return path == streamPath || path == wholePath;
+// Which of the service's endpoints a path names; empty if none. Any other path can hold anything, even text
+// meant for translation.
+std::string endpointOf(const std::string& path) {
+    if (path.starts_with(appcastPath))
+        return std::string(appcastPath);
+    constexpr std::array known{streamPath, wholePath, healthPath, metricsPath};
+    return std::ranges::find(known, path) != known.end() ? path : std::string();
 }
 
-// Completes the library's own refusals: it knows no methods of a path and no limit for a body in chunks.
-void explain(const Request& request, Response& response) {
+const char* methodsOf(const std::string& endpoint) {
+    return endpoint == streamPath ? "HEAD, POST" : endpoint == wholePath ? "POST" : "GET, HEAD";
+}
+
+// Completes refusals that have no sentence yet, the library's among them.
+void explain(const Request&, Response& response) {
+    if (Exchange::current().hasUnreadBody)
+        response.set_header("Connection", "close");
     if (!response.body.empty())
         return;
-    if (request.body.size() > bodyLimit)
-        response.status = 413;
-    if (response.status == 404 && isKnown(request.path)) {
-        response.status = 405;
-        response.set_header("Allow", request.path == streamPath ? "HEAD, POST" : "POST");
-    }
     const char* sentence = response.status == 404   ? "There is nothing at this address."
                            : response.status == 405 ? "This address does not answer this method."
+                           : response.status == 411 ? "The request does not say how long it is."
                            : response.status == 413 ? "The text is too long: a request may have 1 MiB."
+                           : response.status == 414 ? "The address is too long."
                            : response.status == 500 ? "The service failed."
                                                     : "The request cannot be understood.";
     response.set_content(sentence, plainText);
 }
 
-std::string event(const std::string& piece) {
-    nlohmann::json data = {{"choices", {{{"delta", {{"content", piece}}}}}}};
-    return "data: " + data.dump() + "\n\n";
+void refuse(const Refusal& refusal, Response& response, Exchange& exchange) {
+    response.status = refusal.status;
+    std::string sentence = refusal.what();
+    if (!refusal.quotation.empty())
+        sentence += " It says: " + refusal.quotation;
+    response.set_content(sentence, plainText);
+    if (refusal.retryAfter)
+        response.set_header("Retry-After", std::to_string(refusal.retryAfter->count()));
+    exchange.failure = refusal.cause;
+    exchange.failureDetail = refusal.cause.empty() ? "" : refusal.what();
 }
 
-// Sends one piece each time the library asks for content; ends the connection when the translation is lost,
-// so that it cannot be taken for a complete one.
-bool sendPiece(Translation& translation, httplib::DataSink& sink) {
-    auto send = [&](const std::string& text) { return sink.write(text.data(), text.size()); };
-    try {
-        if (auto piece = translation.next())
-            return send(event(*piece));
-    } catch (const std::exception&) {
-        return false;
-    }
-    if (!send("data: [DONE]\n\n"))
-        return false;
-    sink.done();
-    return true;
-}
-
-void stream(const TranslationEngine& engine, const Request& request, Response& response) {
-    std::shared_ptr<Translation> translation = engine.begin(parseStreamRequest(request.body));
-    response.set_header("Cache-Control", "no-cache");
-    response.set_chunked_content_provider(eventStream, [translation](std::size_t, httplib::DataSink& sink) {
-        return sendPiece(*translation, sink);
+// Takes the whole body from the connection, but keeps no more than a request may have: its length may be
+// known only at its end.
+std::string readBody(const httplib::ContentReader& reader) {
+    std::string body;
+    bool isTooLong = false;
+    const bool isRead = reader([&](const char* data, std::size_t size) {
+        isTooLong = isTooLong || body.size() + size > bodyLimit;
+        if (!isTooLong)
+            body.append(data, size);
+        return true;
     });
+    if (isTooLong)
+        throw Refusal(413, "");
+    if (!isRead)
+        throw Refusal(400, "");
+    return body;
 }
 
-void answerWhole(const TranslationEngine& engine, const Request& request, Response& response) {
-    auto translation = engine.begin(parseWholeRequest(request.body));
-    std::string text;
-    while (auto piece = translation->next())
-        text += *piece;
-    response.set_content(nlohmann::json{{"text", text}}.dump(), "application/json");
+std::string deviceOf(const Request& request) {
+    const std::string name = request.get_header_value("X-Device-ID");
+    return name.empty() ? "address " + request.remote_addr : "device " + name.substr(0, longestDeviceName);
 }
 
-using Answer = void (*)(const TranslationEngine&, const Request&, Response&);
-
-httplib::Server::Handler answering(const TranslationEngine& engine, Answer answer) {
-    return [&engine, answer](const Request& request, Response& response) {
-        try {
-            if (request.body.size() > bodyLimit)
-                response.status = 413;
-            else
-                answer(engine, request, response);
-        } catch (const Refusal& refusal) {
-            response.status = refusal.status;
-            response.set_content(refusal.what(), plainText);
-        }
-    };
+// What is wrong with the announcement of a request's body, as a status; zero if nothing is. One that could be
+// read in two ways would let a request hide in another's body.
+int faultOfBody(const Request& request) {
+    const auto lengths = request.get_header_value_count("Content-Length");
+    const auto encodings = request.get_header_value_count("Transfer-Encoding");
+    if (lengths + encodings == 0)
+        return 411;
+    const std::string length = request.get_header_value("Content-Length");
+    const bool isNumber =
+        !length.empty() && std::ranges::all_of(length, [](unsigned char c) { return std::isdigit(c) != 0; });
+    if (lengths + encodings > 1 || (lengths == 1 && !isNumber)
+        || (encodings == 1 && request.get_header_value("Transfer-Encoding") != "chunked"))
+        return 400;
+    constexpr std::size_t mostDigits = 9;
+    return lengths == 1 && (length.size() > mostDigits || std::stoul(length) > bodyLimit) ? 413 : 0;
 }
 
-// A client's warm-up: the connection it opens carries the next request. GET comes here too.
-void warmUp(const Request& request, Response& response) {
-    if (request.method == "HEAD")
-        response.set_content("", eventStream);
-    else
-        response.status = 404;
-}
-
-std::string logLine(const Request& request, const Response& response) {
-    auto taken = std::chrono::steady_clock::now() - HTTPSServer::requestStart();
-    // An unknown path can hold anything, even text meant for translation.
-    return request.method + " " + (isKnown(request.path) ? request.path : "(unknown path)") + " "
-           + std::to_string(response.status) + " "
-           + std::to_string(std::chrono::round<std::chrono::milliseconds>(taken).count()) + " ms";
+bool announcesBody(const Request& request) {
+    return request.has_header("Transfer-Encoding")
+           || (request.has_header("Content-Length") && request.get_header_value("Content-Length") != "0");
 }
 
 } // namespace
 
-Server::Server(const TranslationEngine& engine, const CertificateFiles& files, Log log)
-    : server(std::make_unique<HTTPSServer>(files)) {
-    server->set_payload_max_length(bodyLimit);
-    server->Get(streamPath, warmUp);
-    server->Post(streamPath, answering(engine, stream));
-    server->Post(wholePath, answering(engine, answerWhole));
-    server->set_exception_handler(
-        [](const Request&, Response& response, const std::exception_ptr&) { response.status = 500; });
-    server->set_error_handler(httplib::Server::Handler(explain));
-    server->set_logger([log = std::move(log)](const Request& request, const Response& response) {
-        log(logLine(request, response));
+Server::Server(const TranslationEngine& chosen, const Options& options, const Log& events)
+    : engine(chosen),
+      log(events),
+      limits({.perMinute = options.rate, .atOnce = options.atOnce},
+             {.perMinute = options.deviceRate, .atOnce = options.deviceAtOnce}),
+      certificates(options.certificate, options.names, events),
+      server(certificates, static_cast<std::size_t>(options.connections), options.requestTime,
+             [this](const Exchange& exchange) { report(exchange); }) {
+    if (!options.appcast.empty())
+        appcast.emplace(options.appcast);
+    server.set_pre_routing_handler([this](const Request& request, Response& response) {
+        return answerSimply(request, response) ? httplib::Server::HandlerResponse::Handled
+                                               : httplib::Server::HandlerResponse::Unhandled;
     });
+    const auto answering = [this](AnswerForm form) {
+        return
+            [this, form](const Request& request, Response& response, const httplib::ContentReader& reader) {
+                translate(form, request, response, reader);
+            };
+    };
+    server.Post(streamPath, answering(AnswerForm::stream));
+    server.Post(wholePath, answering(AnswerForm::whole));
+    server.set_exception_handler(
+        [](const Request&, Response& response, const std::exception_ptr&) { response.status = 500; });
+    server.set_error_handler(httplib::Server::Handler(explain));
 }
 
-Server::~Server() = default;
-
-std::uint16_t Server::bind(const std::string& host, std::uint16_t port) {
-    errno = 0;
-    int bound = port == 0 ? server->bind_to_any_port(host) : server->bind_to_port(host, port) ? port : -1;
-    if (bound <= 0)
-        throw std::runtime_error("Cannot listen on " + host + ":" + std::to_string(port) + ": "
-                                 + (errno != 0 ? std::strerror(errno) : "no such address") + ".");
-    server->widenBacklog();
-    return static_cast<std::uint16_t>(bound);
+// Answers all but what has to be translated. The library would read any body into memory first.
+bool Server::answerSimply(const Request& request, Response& response) {
+    Exchange& exchange = Exchange::current();
+    exchange.endpoint = endpointOf(request.path);
+    const bool isTranslation = exchange.endpoint == streamPath || exchange.endpoint == wholePath;
+    const bool isPost = isTranslation && request.method == "POST";
+    const int fault = isPost ? faultOfBody(request) : 0;
+    if (isPost && fault == 0)
+        return false;
+    exchange.hasUnreadBody = announcesBody(request);
+    const bool isHead = request.method == "HEAD";
+    if (fault != 0 || exchange.endpoint.empty()) {
+        response.status = fault != 0 ? fault : 404;
+    } else if (exchange.endpoint == wholePath || (!isHead && (request.method != "GET" || isTranslation))) {
+        response.status = 405;
+        response.set_header("Allow", methodsOf(exchange.endpoint));
+    } else if (!answerKnown(exchange.endpoint, request, response)) {
+        response.status = 404;
+    }
+    return true;
 }
 
-bool Server::run() {
-    server->listen_after_bind();
-    return isStopping;
+bool Server::answerKnown(const std::string& endpoint, const Request& request, Response& response) {
+    if (endpoint == streamPath) { // A client's warm-up: the connection it opens carries the next request.
+        response.set_content("", "text/event-stream");
+    } else if (endpoint == healthPath) {
+        response.set_content("ok\n", plainText);
+    } else if (endpoint == metricsPath) {
+        response.set_content(
+            metrics.text(
+                {.connections = server.openConnections(),
+                 .refusedConnections = server.refusedConnections(),
+                 .translations = limits.underWay(),
+                 .certificateExpiry =
+                     std::chrono::duration<double>(certificates.expiry().time_since_epoch()).count()}),
+            metricsText);
+    } else {
+        return appcast
+               && appcast->answer(std::string_view(request.path).substr(appcastPath.size()), response);
+    }
+    return true;
 }
 
-void Server::stop() {
-    isStopping = true;
-    server->stopListening();
+void Server::translate(AnswerForm form, const Request& request, Response& response,
+                       const httplib::ContentReader& reader) {
+    Exchange& exchange = Exchange::current();
+    try {
+        exchange.hasUnreadBody = true;
+        const std::string body = readBody(reader);
+        exchange.hasUnreadBody = false;
+        exchange.place->worksForClient();
+        TranslationAnswer::give(std::make_unique<TranslationAnswer>(
+                                    form, engine, limits.admit(deviceOf(request)), body, exchange),
+                                response);
+    } catch (const Refusal& refusal) {
+        refuse(refusal, response, exchange);
+    } catch (const Abandoned& abandoned) {
+        response.status = clientClosedRequest;
+        exchange.failure = "client gone";
+        exchange.failureDetail = abandoned.what();
+    }
+}
+
+void Server::report(const Exchange& exchange) {
+    metrics.count(exchange);
+    const auto milliseconds = [&](Exchange::Clock::duration time) {
+        return std::chrono::round<std::chrono::milliseconds>(time).count();
+    };
+    Log::Fields fields{{"method", exchange.method},
+                       {"endpoint", exchange.endpoint},
+                       {"status", exchange.status},
+                       {"ms", milliseconds(Exchange::Clock::now() - exchange.start)}};
+    if (exchange.untilFirstPiece) {
+        fields["pieces"] = exchange.pieces;
+        fields["first_piece_ms"] = milliseconds(*exchange.untilFirstPiece);
+    }
+    if (!exchange.failure.empty())
+        fields["failure"] = exchange.failure;
+    if (!exchange.failureDetail.empty())
+        fields["detail"] = exchange.failureDetail;
+    log.write("request", fields);
 }
 
 } // namespace lumarin::service

@@ -1,43 +1,58 @@
 #pragma once
 
-#include "Service/Certificate.h"
+#include "Service/CertificateKeeper.h"
+#include "Service/FileFolder.h"
+#include "Service/HTTPSServer.h"
+#include "Service/Limits.h"
+#include "Service/Log.h"
+#include "Service/Metrics.h"
+#include "Service/Options.h"
+#include "Service/TranslationAnswer.h"
 #include "Service/TranslationEngine.h"
 
-#include <atomic>
 #include <cstdint>
-#include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 
 namespace lumarin::service {
-
-class HTTPSServer;
 
 // The service's endpoints over HTTPS. Answers each connection on a thread of its own; the engine and the log
 // are called from those. Keeps and logs nothing of what is sent to it.
 class Server {
 public:
-    // Takes one line without a line break for every request answered.
-    using Log = std::function<void(const std::string& line)>;
-
-    // `engine` outlives the server. Throws std::runtime_error when the certificate cannot be used.
-    Server(const TranslationEngine& engine, const CertificateFiles& files, Log log);
-    ~Server();
+    // `engine` and `events` outlive the server. Throws std::runtime_error when the certificate cannot be
+    // used.
+    Server(const TranslationEngine& chosen, const Options& options, const Log& events);
 
     // Takes connections in from now on, to be answered by run(); port 0 takes any free one. Returns the port.
     // Throws std::runtime_error.
-    std::uint16_t bind(const std::string& host, std::uint16_t port);
+    std::uint16_t bind(const std::string& host, std::uint16_t port) { return server.bindTo(host, port); }
 
-    // Answers until stop(); returns when the answers under way are complete. False when it ended by a
-    // failure.
-    bool run();
+    // Answers until stop(); returns when the answers under way are complete.
+    void run() { server.serve(); }
 
     // Any thread, at any time.
-    void stop();
+    void stop() const { server.stopListening(); }
+    // Breaks off what is still under way after stop(). Any thread.
+    void abandon() const { server.abandonAnswers(); }
 
 private:
-    std::unique_ptr<HTTPSServer> server;
-    std::atomic<bool> isStopping = false;
+    using Request = httplib::Request;
+    using Response = httplib::Response;
+
+    bool answerSimply(const Request& request, Response& response);
+    bool answerKnown(const std::string& endpoint, const Request& request, Response& response);
+    void translate(AnswerForm form, const Request& request, Response& response,
+                   const httplib::ContentReader& reader);
+    void report(const Exchange& exchange);
+
+    const TranslationEngine& engine;
+    const Log& log;
+    std::optional<FileFolder> appcast;
+    Limits limits;
+    Metrics metrics;
+    CertificateKeeper certificates;
+    HTTPSServer server;
 };
 
 } // namespace lumarin::service

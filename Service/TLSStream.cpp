@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <fcntl.h>
+#include <netdb.h>
 #include <openssl/err.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -13,16 +13,17 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::chrono::seconds handshakeTime = 10s;
+// A client that takes nothing for so long is not going to take the rest.
 constexpr std::chrono::seconds writeTime = 15s;
 constexpr std::chrono::seconds drainTime = 2s;
 constexpr std::size_t drainBytes = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t packetBytes = 16384; // The most that TLS puts into one record.
 
 } // namespace
 
-TLSStream::TLSStream(SSL_CTX& context, int accepted, int stop)
-    : connection(accepted), session(SSL_new(&context)), stopSignal(stop) {
-    ::fcntl(accepted, F_SETFL, ::fcntl(accepted, F_GETFL) | O_NONBLOCK);
-    lost = !session || SSL_set_fd(session.get(), accepted) != 1;
+TLSStream::TLSStream(SSL_CTX& context, int socket, const EndSignals& ends)
+    : connection(socket), session(SSL_new(&context)), signals(ends) {
+    lost = !session || SSL_set_fd(session.get(), socket) != 1;
 }
 
 TLSStream::~TLSStream() {
@@ -35,17 +36,12 @@ bool TLSStream::accept() {
     return repeat(Clock::now() + handshakeTime, [this] { return SSL_accept(session.get()); }) > 0;
 }
 
-bool TLSStream::awaitRequest(std::chrono::seconds idle, const std::function<bool()>& unwanted) {
-    const auto deadline = Clock::now() + idle;
-    while (!lost && SSL_pending(session.get()) == 0) {
-        const auto now = Clock::now();
-        const Wait outcome = wait(POLLIN, std::min(deadline, now + 1s));
-        if (outcome == Wait::ready)
-            break;
-        if (outcome == Wait::stopped || now >= deadline || unwanted())
-            return false;
-    }
-    return !lost;
+bool TLSStream::awaitRequest(std::chrono::seconds idle) {
+    if (aheadPosition < ahead.size())
+        return true;
+    ahead = {}; // Most connections idle most of the time.
+    aheadPosition = 0;
+    return !lost && (SSL_pending(session.get()) > 0 || wait(POLLIN, Clock::now() + idle) == Wait::ready);
 }
 
 void TLSStream::allow(std::size_t bytes, std::chrono::seconds time) {
@@ -57,12 +53,12 @@ void TLSStream::drain() {
     if (lost)
         return;
     SSL_shutdown(session.get());
-    ::shutdown(connection.number(), SHUT_WR);
+    ::shutdown(connection, SHUT_WR);
     lost = true;
     std::array<char, 16384> scratch;
     const auto deadline = Clock::now() + drainTime;
     for (std::size_t taken = 0; taken < drainBytes && wait(POLLIN, deadline) == Wait::ready;) {
-        const ssize_t count = ::recv(connection.number(), scratch.data(), scratch.size(), 0);
+        const ssize_t count = ::recv(connection, scratch.data(), scratch.size(), 0);
         if (count <= 0)
             return;
         taken += static_cast<std::size_t>(count);
@@ -70,34 +66,72 @@ void TLSStream::drain() {
 }
 
 ssize_t TLSStream::read(char* data, std::size_t size) {
-    const auto most = static_cast<int>(std::min(size, allowedBytes));
-    if (most == 0)
+    if (allowedBytes == 0)
         return -1;
-    const ssize_t count = repeat(readDeadline, [&] { return SSL_read(session.get(), data, most); });
-    if (count > 0)
-        allowedBytes -= static_cast<std::size_t>(count);
-    return count;
+    if (aheadPosition == ahead.size()) {
+        ahead.resize(packetBytes);
+        aheadPosition = 0;
+        const ssize_t count =
+            repeat(readDeadline, [&] { return SSL_read(session.get(), ahead.data(), packetBytes); });
+        ahead.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        if (count <= 0)
+            return -1;
+    }
+    const std::size_t count = std::min({size, allowedBytes, ahead.size() - aheadPosition});
+    std::copy_n(ahead.begin() + static_cast<std::ptrdiff_t>(aheadPosition), count, data);
+    aheadPosition += count;
+    allowedBytes -= count;
+    return static_cast<ssize_t>(count);
 }
 
 ssize_t TLSStream::write(const char* data, std::size_t size) {
-    return repeat(Clock::now() + writeTime,
-                  [&] { return SSL_write(session.get(), data, static_cast<int>(size)); });
+    if (lost)
+        return -1;
+    const std::size_t taken = std::min(size, packetBytes - unsent.size());
+    unsent.append(data, taken);
+    if (unsent.size() == packetBytes && !flush())
+        return -1;
+    return static_cast<ssize_t>(taken);
+}
+
+bool TLSStream::flush() {
+    if (!unsent.empty()) {
+        const auto deadline = std::min(answerDeadline, Clock::now() + writeTime);
+        repeat(deadline,
+               [&] { return SSL_write(session.get(), unsent.data(), static_cast<int>(unsent.size())); });
+        unsent.clear();
+    }
+    return !lost;
+}
+
+void TLSStream::get_remote_ip_and_port(std::string& ip, int& port) const {
+    sockaddr_storage address{};
+    socklen_t length = sizeof address;
+    std::array<char, NI_MAXHOST> host{};
+    std::array<char, NI_MAXSERV> service{};
+    if (::getpeername(connection, reinterpret_cast<sockaddr*>(&address), &length) != 0
+        || ::getnameinfo(reinterpret_cast<const sockaddr*>(&address), length, host.data(), host.size(),
+                         service.data(), service.size(), NI_NUMERICHOST | NI_NUMERICSERV)
+               != 0)
+        return;
+    ip = host.data();
+    port = std::atoi(service.data());
 }
 
 TLSStream::Wait TLSStream::wait(short events, Clock::time_point deadline) const {
     // An answer begun is still written when the service stops.
-    const int watchedSignal = (events & POLLOUT) != 0 ? -1 : stopSignal;
-    std::array<pollfd, 2> polled{{{connection.number(), events, 0}, {watchedSignal, POLLIN, 0}}};
+    const Signal& end = (events & POLLOUT) != 0 ? signals.abandon : signals.stop;
+    std::array<pollfd, 2> polled{{{connection, events, 0}, {end.descriptor(), POLLIN, 0}}};
     while (true) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(
             std::max(deadline - Clock::now(), Clock::duration{}));
         const int count = ::poll(polled.data(), polled.size(), static_cast<int>(left.count()));
         if (count > 0)
-            return polled[0].revents != 0 ? Wait::ready : Wait::stopped;
+            return polled[0].revents != 0 ? Wait::ready : Wait::ended;
         if (count == 0)
             return Wait::timedOut;
         if (errno != EINTR)
-            return Wait::stopped;
+            return Wait::ended;
     }
 }
 

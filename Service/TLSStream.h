@@ -1,31 +1,37 @@
 #pragma once
 
 #include "Service/Handles.h"
+#include "Service/Signals.h"
 
 #include <chrono>
-#include <functional>
 #include <httplib.h>
+#include <vector>
 
 namespace lumarin::service {
 
-// One accepted connection: TLS over a non-blocking socket, read and written by the HTTP library on the worker
-// thread that serves it. Every wait has an end, and so has the number of bytes a client may send.
+// One accepted connection: TLS over a non-blocking socket, read and written by the HTTP library on the thread
+// that serves it. Every wait has an end, and so has the number of bytes a client may send.
 class TLSStream final : public httplib::Stream {
 public:
-    // `accepted` is the stream's own from here on. `stop` turns readable when the service stops; waits
-    // for the client's bytes end then.
-    TLSStream(SSL_CTX& context, int accepted, int stop);
+    using Clock = std::chrono::steady_clock;
+
+    // `socket` and `signals` outlive the stream. On `signals.stop` waits for the client's bytes end, on
+    // `signals.abandon` all others too.
+    TLSStream(SSL_CTX& context, int socket, const EndSignals& signals);
     ~TLSStream() override;
 
     // The handshake. False when the client does not complete it.
     bool accept();
-    // Waits for the first byte of a request, at most `idle`. `unwanted` is asked about once a second whether
-    // the wait should be given up.
-    bool awaitRequest(std::chrono::seconds idle, const std::function<bool()>& unwanted);
+    // Waits for the first byte of a request, at most `idle`.
+    bool awaitRequest(std::chrono::seconds idle);
     // From now on `bytes` may be read within `time`; whatever exceeds one of them reads as a lost connection.
     void allow(std::size_t bytes, std::chrono::seconds time);
+    // By when the answer has to be taken; a client that takes nothing for a while is given up earlier.
+    void answerBy(Clock::time_point deadline) { answerDeadline = deadline; }
     // Whether the client has sent all it was allowed to.
     bool isExhausted() const { return allowedBytes == 0; }
+    // Sends what has been written so far. False when the client does not take it.
+    bool flush();
     // Takes in, for a moment, what the client is still sending: closing a socket with unread bytes would
     // destroy the answer on its way.
     void drain();
@@ -33,27 +39,32 @@ public:
     bool is_readable() const override { return !lost; }
     bool is_writable() const override { return !lost; }
     ssize_t read(char* data, std::size_t size) override;
+    // Kept back until flush() or until there is enough for a packet.
     ssize_t write(const char* data, std::size_t size) override;
-    socket_t socket() const override { return connection.number(); }
-    // Who asks is of no interest here.
-    void get_remote_ip_and_port(std::string&, int&) const override {}
+    // The library asks only to refuse those that select() could not wait for, which nobody does here.
+    socket_t socket() const override { return INVALID_SOCKET; }
+    void get_remote_ip_and_port(std::string& ip, int& port) const override;
+    // Of no interest here.
     void get_local_ip_and_port(std::string&, int&) const override {}
 
 private:
-    using Clock = std::chrono::steady_clock;
-
-    enum class Wait { ready, timedOut, stopped };
+    enum class Wait { ready, timedOut, ended };
 
     Wait wait(short events, Clock::time_point deadline) const;
     template <typename Operation>
     ssize_t repeat(Clock::time_point deadline, Operation operation);
 
-    Descriptor connection;
+    const int connection;
     TLSSession session;
-    int stopSignal;
+    const EndSignals& signals;
     bool lost = false;
     std::size_t allowedBytes = 0;
     Clock::time_point readDeadline;
+    Clock::time_point answerDeadline = Clock::time_point::max();
+    // What has been read ahead: the library asks for a head byte by byte.
+    std::vector<char> ahead;
+    std::size_t aheadPosition = 0;
+    std::string unsent;
 };
 
 } // namespace lumarin::service

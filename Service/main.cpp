@@ -1,13 +1,14 @@
-#include "Service/Certificate.h"
 #include "Service/Gloss.h"
 #include "Service/Options.h"
 #include "Service/Server.h"
+#include "Service/Upstream.h"
 
 #include <csignal>
 #include <exception>
 #include <iostream>
 #include <pthread.h>
 #include <string>
+#include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
 
@@ -15,26 +16,31 @@ namespace {
 
 using namespace lumarin::service;
 
-// Ends the server on the signals of an orderly end while it runs. They are blocked before any thread starts,
-// so that they reach this one alone.
+constexpr timespec timeToEnd{.tv_sec = 10, .tv_nsec = 0};
+
+// Ends the server on the signals of an orderly end while it runs: gives the answers under way some time, or
+// none when asked again. The signals are blocked before any thread starts, so that they reach this one alone.
 class SignalWatch {
 public:
-    explicit SignalWatch(Server& server) {
+    SignalWatch(Server& server, const Log& log) {
         sigset_t signals;
         sigemptyset(&signals);
         sigaddset(&signals, SIGTERM);
         sigaddset(&signals, SIGINT);
         pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-        thread = std::thread([&server, signals] {
+        thread = std::thread([&server, &log, signals] {
             int received = 0;
             sigwait(&signals, &received);
+            log.write("stopping");
             server.stop();
+            sigtimedwait(&signals, nullptr, &timeToEnd);
+            server.abandon();
         });
     }
     SignalWatch(const SignalWatch&) = delete;
     SignalWatch& operator=(const SignalWatch&) = delete;
     ~SignalWatch() {
-        ::kill(::getpid(), SIGTERM); // If it was not one that ended the server.
+        ::kill(::getpid(), SIGTERM); // Ends the wait for a second one.
         thread.join();
     }
 
@@ -42,22 +48,46 @@ private:
     std::thread thread;
 };
 
+// Each translation takes up to three descriptors; the usual limit is there for programs that use select().
+void raiseDescriptorLimit() {
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        limit.rlim_cur = limit.rlim_max;
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}
+
+std::unique_ptr<TranslationEngine> makeEngine(const Options& options) {
+    if (options.upstream.empty())
+        return std::make_unique<Gloss>();
+    std::shared_ptr<const platform::TrustedCertificates> authorities;
+    if (!options.upstreamAuthority.empty())
+        authorities = std::make_shared<platform::TrustedCertificates>(options.upstreamAuthority);
+    return std::make_unique<Upstream>(UpstreamConfiguration{.url = options.upstream,
+                                                            .model = options.model,
+                                                            .key = options.key,
+                                                            .parameters = options.parameters,
+                                                            .silence = options.timeout,
+                                                            .authorities = authorities});
+}
+
 std::string address(const std::string& host, std::uint16_t port) {
     const bool isIpv6 = host.find(':') != std::string::npos;
     return "https://" + (isIpv6 ? "[" + host + "]" : host) + ":" + std::to_string(port);
 }
 
-int serve(const Options& options) {
-    const Gloss engine;
-    Server server(engine, ensureCertificate(options.certificate),
-                  [](const std::string& line) { std::cerr << line + "\n"; });
+void serve(const Options& options) {
+    raiseDescriptorLimit();
+    Log log([](const std::string& line) { std::cerr << line + "\n"; });
+    const auto engine = makeEngine(options);
+    Server server(*engine, options, log);
     const std::uint16_t port = server.bind(options.host, options.port);
-    const SignalWatch watch(server);
+    const SignalWatch watch(server, log);
+    log.write("started", {{"listen", address(options.host, port)},
+                          {"upstream", options.upstream.empty() ? "built-in gloss" : options.upstream}});
     std::cout << "Listening on " << address(options.host, port) << std::endl;
-    if (server.run())
-        return EXIT_SUCCESS;
-    std::cerr << "The service can take no more connections.\n";
-    return EXIT_FAILURE;
+    server.run();
+    log.write("stopped");
 }
 
 } // namespace
@@ -70,7 +100,8 @@ int main(int count, char** arguments) {
             std::cout << usage();
             return EXIT_SUCCESS;
         }
-        return serve(options);
+        serve(options);
+        return EXIT_SUCCESS;
     } catch (const OptionError& error) {
         std::cerr << "lumarin-service: " << error.what() << "\n";
         return usageError;

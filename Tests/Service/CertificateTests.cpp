@@ -1,4 +1,4 @@
-#include "Service/Certificate.h"
+#include "Service/CertificateKeeper.h"
 
 #include "Service/Handles.h"
 #include "Support/Files.h"
@@ -18,15 +18,22 @@ constexpr std::chrono::days year{365};
 struct CertificateTest : testing::Test {
     // The bytes of both files.
     std::pair<std::string, std::string> ensure(std::chrono::system_clock::time_point now = today) {
-        auto files = ensureCertificate(certificate, now);
+        auto files = ensureCertificate(certificate, names, now);
         EXPECT_EQ(files.certificate, certificate);
         EXPECT_EQ(files.key, key);
         return {bytesOf(certificate), bytesOf(key)};
     }
 
+    X509Certificate parsed() const {
+        const auto pem = bytesOf(certificate);
+        Bio bio(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
+        return X509Certificate(PEM_read_bio_X509(bio.get(), nullptr, nullptr, nullptr));
+    }
+
     static inline const auto today = std::chrono::system_clock::now();
     TemporaryFolder folder;
     std::filesystem::path certificate = folder / "a/b/service.pem";
+    std::vector<std::string> names;
     std::filesystem::path key = folder / "a/b/service.key";
 };
 
@@ -41,13 +48,17 @@ TEST_F(CertificateTest, IsMadePrivateAndKept) {
 }
 
 // HTTP clients differ in how closely they look.
-TEST_F(CertificateTest, IsForTheLoopbackAndNothingElse) {
-    auto pem = ensure().first;
-    Bio bio(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
-    X509Certificate made(PEM_read_bio_X509(bio.get(), nullptr, nullptr, nullptr));
+TEST_F(CertificateTest, IsForTheLoopbackAndWhatItIsToldAndNothingElse) {
+    const auto first = ensure();
+    names = {"office.example", "192.0.2.7"};
+    const auto second = ensure();
+    EXPECT_NE(second, first);
+    EXPECT_EQ(ensure(), second);
+    const auto made = parsed();
     ASSERT_TRUE(made);
-    EXPECT_EQ(X509_check_host(made.get(), "localhost", 0, 0, nullptr), 1);
-    for (const char* address : {"127.0.0.1", "::1"})
+    for (const char* host : {"localhost", "office.example"})
+        EXPECT_EQ(X509_check_host(made.get(), host, 0, 0, nullptr), 1) << host;
+    for (const char* address : {"127.0.0.1", "::1", "192.0.2.7"})
         EXPECT_EQ(X509_check_ip_asc(made.get(), address, 0), 1) << address;
     EXPECT_EQ(X509_check_host(made.get(), "example.com", 0, 0, nullptr), 0);
     EXPECT_EQ(X509_check_ca(made.get()), 0);
@@ -77,4 +88,25 @@ TEST_F(CertificateTest, NeverWritesOverSomebodyElsesFiles) {
         EXPECT_EQ(Files(bytesOf(certificate), bytesOf(key)), files);
     }
     EXPECT_THROW(ensureCertificate(key), std::runtime_error);
+}
+
+TEST_F(CertificateTest, IsRenewedWhileTheServiceRuns) {
+    std::vector<std::string> lines;
+    const Log log([&](const std::string& line) { lines.push_back(line); });
+    CertificateKeeper keeper(certificate, {}, log);
+    const auto first = keeper.context();
+    keeper.renew(today + year);
+    EXPECT_EQ(keeper.context(), first);
+    keeper.renew(today + 10 * year - std::chrono::days(20));
+    const auto second = keeper.context();
+    EXPECT_NE(second, first);
+    EXPECT_GT(keeper.expiry(), today + 19 * year);
+    // One that cannot be used changes nothing, and is complained of once.
+    writeFile(key, "broken");
+    writeFile(certificate, "broken");
+    lines.clear();
+    keeper.renew();
+    keeper.renew();
+    EXPECT_EQ(keeper.context(), second);
+    EXPECT_EQ(lines.size(), 1U);
 }

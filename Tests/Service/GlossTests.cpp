@@ -89,13 +89,13 @@ TEST(Gloss, WritesPunctuationSpacesAndCapitalsAsEnglishDoes) {
 TEST(Gloss, HandsOutTheWholeTextWordByWord) {
     const Gloss gloss;
     for (const char* text : {"您好，\n\n请问 FOB 价格？ ", " \n", "好", ""}) {
-        auto translation = gloss.begin({.text = text, .systemPrompt = "", .targetLanguage = "EN"});
+        auto translation = gloss.begin({.text = text, .systemPrompt = "", .targetLanguage = "EN"}, {});
         std::string whole;
-        while (auto piece = translation->next()) {
-            auto word = piece->find_first_not_of(" \n");
-            EXPECT_EQ(piece->find_first_of(" \n", std::min(word, piece->size())), std::string::npos)
-                << *piece;
-            whole += *piece;
+        for (Progress step; (step = translation->next({})).kind == Progress::Kind::piece;) {
+            auto word = step.piece.find_first_not_of(" \n");
+            EXPECT_EQ(step.piece.find_first_of(" \n", std::min(word, step.piece.size())), std::string::npos)
+                << step.piece;
+            whole += step.piece;
         }
         EXPECT_EQ(whole, gloss.text(text));
     }
@@ -105,7 +105,7 @@ TEST(Gloss, RefusesEveryLanguageButEnglish) {
     const Gloss gloss;
     for (const char* language : {"ZH", "JA", "en", ""}) {
         try {
-            gloss.begin({.text = "您好", .systemPrompt = "", .targetLanguage = language});
+            gloss.begin({.text = "您好", .systemPrompt = "", .targetLanguage = language}, {});
             ADD_FAILURE() << language;
         } catch (const Refusal& refusal) {
             EXPECT_EQ(refusal.status, 501);

@@ -1,13 +1,6 @@
-#include "Service/Server.h"
-
 #include "Service/Gloss.h"
-#include "Support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
-#include <httplib.h>
-#include <mutex>
-#include <nlohmann/json.hpp>
-#include <thread>
+#include "Service/RawClient.h"
+#include "Service/RunningService.h"
 
 using namespace lumarin::service;
 using namespace tests;
@@ -16,21 +9,7 @@ namespace {
 
 constexpr const char* json = "application/json";
 
-// The service on a free port, and a client that trusts nothing but its certificate.
 struct ServerTest : testing::Test {
-    ~ServerTest() override {
-        server.stop();
-        EXPECT_TRUE(running.joinable());
-        running.join();
-        EXPECT_TRUE(endedInOrder);
-    }
-
-    std::unique_ptr<httplib::SSLClient> clientFor(const std::string& host) {
-        auto made = std::make_unique<httplib::SSLClient>(host, port);
-        made->set_ca_cert_path(files.certificate.c_str());
-        made->set_keep_alive(true);
-        return made;
-    }
     // What the one-piece service makes of a body.
     nlohmann::json translated(const std::string& body, const char* type = json) {
         auto answer = client->Post("/v1/free", body, type);
@@ -38,32 +17,16 @@ struct ServerTest : testing::Test {
         return nlohmann::json::parse(answer->body).at("text");
     }
 
-    static nlohmann::json streamRequest(const std::string& text, const std::string& language = "EN") {
-        return {{"text", text}, {"system_prompt", ""}, {"target_language", language}, {"stream", true}};
-    }
-    static nlohmann::json freeRequest(const std::string& text, const std::string& language = "EN") {
-        return {{"text", text}, {"source_lang", "ZH"}, {"target_lang", language}};
-    }
-
-    TemporaryFolder folder;
-    CertificateFiles files = ensureCertificate(folder / "service.pem");
+    TemporaryFolder updates;
     Gloss gloss;
-    std::mutex mutex;
-    std::vector<std::string> log;
-    Server server{gloss, files, [this](const std::string& line) {
-                      std::lock_guard lock(mutex);
-                      log.push_back(line);
-                  }};
-    std::uint16_t port = server.bind("127.0.0.1", 0);
-    bool endedInOrder = false;
-    std::thread running{[this] { endedInOrder = server.run(); }};
-    std::unique_ptr<httplib::SSLClient> client = clientFor("127.0.0.1");
+    RunningService service{gloss, [this](Options& options) { options.appcast = updates.path(); }};
+    std::unique_ptr<httplib::SSLClient> client = service.client();
 };
 
 } // namespace
 
 TEST_F(ServerTest, StreamsATranslationWordByWord) {
-    auto answer = client->Post("/v1/translate", streamRequest("样品的报价？").dump(), json);
+    auto answer = client->Post("/v1/translate", RunningService::streamRequest("样品的报价？").dump(), json);
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->status, 200);
     EXPECT_EQ(answer->get_header_value("Content-Type"), "text/event-stream");
@@ -73,11 +36,12 @@ TEST_F(ServerTest, StreamsATranslationWordByWord) {
 }
 
 TEST_F(ServerTest, AnswersInOnePieceAndToAWarmUpByEitherName) {
-    EXPECT_EQ(translated(freeRequest("“样品”\n😊").dump()), "“Sample”\n😊");
+    EXPECT_EQ(translated(RunningService::wholeRequest("“样品”\n😊").dump()), "“Sample”\n😊");
     // Command-line clients call every body a form; it may be long.
     const std::string text(1'000'000, 'a');
-    EXPECT_EQ(translated(freeRequest(text).dump(), "application/x-www-form-urlencoded"), text);
-    auto warmUp = clientFor("localhost")->Head("/v1/translate");
+    EXPECT_EQ(translated(RunningService::wholeRequest(text).dump(), "application/x-www-form-urlencoded"),
+              text);
+    auto warmUp = service.client("localhost")->Head("/v1/translate");
     ASSERT_TRUE(warmUp) << httplib::to_string(warmUp.error());
     EXPECT_EQ(warmUp->status, 200);
 }
@@ -87,19 +51,21 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
         body.erase(member);
         return body.dump();
     };
-    auto notStreamed = streamRequest("好");
+    auto notStreamed = RunningService::streamRequest("好");
     notStreamed["stream"] = false;
-    auto tooLong = freeRequest(std::string(std::size_t{1024} * 1024, 'a')).dump();
+    auto tooLong = RunningService::wholeRequest(std::string(std::size_t{1024} * 1024, 'a')).dump();
     const std::tuple<const char*, const char*, std::string, int, const char*> cases[] = {
         {"POST", "/v1/free", "{", 400, "not a JSON object"},
         {"POST", "/v1/free", "[]", 400, "not a JSON object"},
         {"POST", "/v1/free", "{\"text\":\"\xff\"}", 400, "UTF-8"},
-        {"POST", "/v1/free", without(freeRequest("好"), "text"), 400, "\"text\" is missing"},
-        {"POST", "/v1/free", without(freeRequest("好"), "target_lang"), 400, "\"target_lang\" is missing"},
-        {"POST", "/v1/translate", freeRequest("好").dump(), 400, "\"system_prompt\" is missing"},
+        {"POST", "/v1/free", without(RunningService::wholeRequest("好"), "text"), 400, "\"text\" is missing"},
+        {"POST", "/v1/free", without(RunningService::wholeRequest("好"), "target_lang"), 400,
+         "\"target_lang\" is missing"},
+        {"POST", "/v1/translate", RunningService::wholeRequest("好").dump(), 400,
+         "\"system_prompt\" is missing"},
         {"POST", "/v1/translate", notStreamed.dump(), 400, "\"stream\" is not true"},
-        {"POST", "/v1/translate", streamRequest("好", "JA").dump(), 501, "--upstream"},
-        {"POST", "/v1/free", freeRequest("好", "JA").dump(), 501, "--upstream"},
+        {"POST", "/v1/translate", RunningService::streamRequest("好", "JA").dump(), 501, "--upstream"},
+        {"POST", "/v1/free", RunningService::wholeRequest("好", "JA").dump(), 501, "--upstream"},
         {"POST", "/v1/free", tooLong, 413, "1 MiB"},
         {"POST", "/v1/other", "{}", 404, "nothing at this address"},
         {"GET", "/v1/translate", "", 405, "method"},
@@ -135,26 +101,113 @@ TEST_F(ServerTest, RefusesABodyOfUnknownLengthThatIsTooLong) {
     EXPECT_EQ(client->Head("/v1/translate").value().status, 200);
 }
 
-TEST_F(ServerTest, LogsALineForARequestAndNothingOfWhatItSaid) {
-    client->Post("/v1/free", freeRequest("样品").dump(), json);
+TEST_F(ServerTest, SpeaksToMonitorsAndLogsNothingOfWhatWasSaid) {
+    client->Post("/v1/free", RunningService::wholeRequest("样品").dump(), json);
     client->Post("/secret", "secret", "text/plain");
-    std::lock_guard lock(mutex);
-    ASSERT_EQ(log.size(), 2U);
-    EXPECT_TRUE(log[0].starts_with("POST /v1/free 200 ")) << log[0];
-    EXPECT_TRUE(log[1].starts_with("POST (unknown path) 404 ")) << log[1];
+    EXPECT_EQ(client->Get("/healthz").value().status, 200);
+    const auto metrics = client->Get("/metrics").value().body;
+    for (const char* line : {"lumarin_requests_total{endpoint=\"/v1/free\",status=\"200\"} 1\n",
+                             "lumarin_requests_total{endpoint=\"\",status=\"404\"} 1\n",
+                             "lumarin_first_piece_seconds_bucket{le=\"60\"} 1\n", "lumarin_translations 0\n"})
+        EXPECT_NE(metrics.find(line), std::string::npos) << line << metrics;
+    const auto log = service.log();
+    ASSERT_GE(log.size(), 3U); // The first line is the certificate's.
+    EXPECT_EQ(log[1]["endpoint"], "/v1/free");
+    EXPECT_EQ(log[1]["status"], 200);
+    for (const auto& line : log)
+        for (const char* said : {"secret", "样品", "ample"})
+            EXPECT_EQ(line.dump().find(said), std::string::npos) << line;
+}
+
+TEST_F(ServerTest, ServesTheFilesOfItsFolderAndNoOthers) {
+    TemporaryFolder outside;
+    const std::string package(200'000, 'p');
+    updates.write("appcast.xml", "<rss/>");
+    updates.write("packages/lumarin.deb", package);
+    updates.write("empty.html", "");
+    updates.write(".hidden", "x");
+    updates.write(".git/config", "x");
+    std::filesystem::create_symlink(outside.write("passwords", "x"), updates / "link");
+    const std::tuple<const char*, int, const char*, std::string> cases[] = {
+        {"/appcast/appcast.xml", 200, "application/xml; charset=utf-8", "<rss/>"},
+        {"/appcast/packages/lumarin.deb", 200, "application/vnd.debian.binary-package", package},
+        {"/appcast/empty.html", 200, "text/html; charset=utf-8", ""},
+        {"/appcast/", 404, nullptr, ""},
+        {"/appcast/packages", 404, nullptr, ""},
+        {"/appcast/.hidden", 404, nullptr, ""},
+        {"/appcast/.git/config", 404, nullptr, ""},
+        {"/appcast/link", 404, nullptr, ""},
+        {"/appcast/packages/../appcast.xml", 404, nullptr, ""},
+        {"/appcast/%2e%2e/%2e%2e/etc/passwd", 404, nullptr, ""},
+        {"/appcast//etc/passwd", 404, nullptr, ""},
+        {"/appcast/appcast.xml%00.deb", 404, nullptr, ""},
+    };
+    for (const auto& [path, status, type, body] : cases) {
+        const auto answer = client->Get(path);
+        ASSERT_TRUE(answer) << path;
+        EXPECT_EQ(answer->status, status) << path;
+        if (status != 200)
+            continue;
+        EXPECT_EQ(answer->get_header_value("Content-Type"), type);
+        EXPECT_EQ(answer->body, body);
+        const auto head = client->Head(path);
+        EXPECT_EQ(head.value().get_header_value("Content-Length"), std::to_string(body.size()));
+    }
+}
+
+// Connections that send nothing, half a head, a body byte by byte: with every place taken by such clients the
+// next one is served at once.
+TEST_F(ServerTest, IsNotHeldUpBySlowClients) {
+    const RunningService small(gloss, [](RunningService::Options& options) { options.connections = 8; });
+    std::vector<std::unique_ptr<RawClient>> slow;
+    for (int number = 0; number < 24; ++number) {
+        slow.push_back(std::make_unique<RawClient>(small.port));
+        const char* begun[] = {"", "POST /v1/fr", "POST /v1/free HTTP/1.1\r\nContent-Length: 9\r\n\r\n{"};
+        slow.back()->send(begun[number % 3]);
+    }
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(small.client()->Get("/healthz").value().status, 200);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+}
+
+TEST_F(ServerTest, OutlivesWhatIsNoRequest) {
+    const std::string post = "POST /v1/free HTTP/1.1\r\n";
+    const std::pair<std::string, const char*> cases[] = {
+        {std::string("\0\xff\r\n\r\n", 6), "HTTP/1.1 400"},
+        {"GET " + std::string(10'000, 'a') + " HTTP/1.1\r\n\r\n", "HTTP/1.1 414"},
+        {"GET /healthz HTTP/1.1\r\nX: " + std::string(40'000, 'a'), ""},
+        {"GET /healthz HTTP/1.1\r\nRange: bytes=0-1,0-1,0-1\r\nConnection: close\r\n\r\n", "HTTP/1.1 200"},
+        {post + "Content-Length: 99999999999999999999\r\n\r\n{}", "HTTP/1.1 413"},
+        {post + "Content-Length: -1\r\n\r\n{}", "HTTP/1.1 400"},
+        {post + "Content-Length: 2\r\nContent-Length: 3\r\n\r\n{}", "HTTP/1.1 400"},
+        {post + "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n{}", "HTTP/1.1 400"},
+        {post + "Connection: close\r\n\r\n", "HTTP/1.1 411"},
+        {post + "Transfer-Encoding: chunked\r\n\r\nzz\r\n", "HTTP/1.1 400"},
+        {post + "Content-Length: 100000\r\nConnection: close\r\n\r\n" + std::string(100'000, '['),
+         "HTTP/1.1 400"},
+        // The body of a refused request is not the next request.
+        {"POST /other HTTP/1.1\r\nContent-Length: 25\r\n\r\nGET /healthz HTTP/1.1\r\n\r\n", "HTTP/1.1 404"},
+    };
+    for (const auto& [bytes, expected] : cases) {
+        RawClient raw(service.port);
+        raw.send(bytes);
+        const auto answer = raw.rest();
+        EXPECT_TRUE(answer.starts_with(expected)) << bytes.substr(0, 80) << " -> " << answer;
+        EXPECT_EQ(answer.find("HTTP/1.1", 1), std::string::npos) << answer;
+    }
+    EXPECT_EQ(client->Get("/healthz").value().status, 200);
 }
 
 TEST_F(ServerTest, EndsAtOnceWithAnIdleConnectionOpen) {
     ASSERT_TRUE(client->Head("/v1/translate"));
-    auto start = std::chrono::steady_clock::now();
-    server.stop();
-    running.join();
+    const auto start = std::chrono::steady_clock::now();
+    service.stop();
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
-    running = std::thread([] {});
 }
 
 TEST_F(ServerTest, RefusesAPortInUse) {
-    Server second(gloss, files, [](const std::string&) {});
-    EXPECT_THROW(second.bind("127.0.0.1", port), std::runtime_error);
+    const Log log([](const std::string&) {});
+    Server second(gloss, service.options, log);
+    EXPECT_THROW(second.bind("127.0.0.1", service.port), std::runtime_error);
     EXPECT_THROW(second.bind("192.0.2.1", 0), std::runtime_error);
 }

@@ -32,7 +32,7 @@ bool isLoopbackHost(const std::string& host) {
 
 } // namespace
 
-CurlAddress::CurlAddress(const std::string& text) {
+CurlAddress::CurlAddress(const std::string& text, PlainHTTP allowed) {
     const Parser parser(curl_url(), &curl_url_cleanup);
     if (curl_url_set(parser.get(), CURLUPART_URL, text.c_str(), 0) != CURLUE_OK)
         throw HTTPError("“" + text + "” is not a web address.");
@@ -44,7 +44,7 @@ CurlAddress::CurlAddress(const std::string& text) {
     isSecure = scheme == "https";
     if (!isSecure && scheme != "http")
         throw HTTPError("“" + text + "” is not a web address.");
-    if (!isSecure && !isLoopback)
+    if (!isSecure && !isLoopback && allowed == PlainHTTP::onLoopback)
         throw HTTPError("The connection to " + host
                         + " would not be secure: plain HTTP is only allowed to this " + "computer itself.");
 }

@@ -1,0 +1,207 @@
+#include "Service/Settings.h"
+
+#include "Platform/Foundation/CurlAddress.h"
+#include "Platform/Foundation/FileManager.h"
+#include "Platform/Foundation/HTTPSession.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace lumarin::service {
+namespace {
+
+namespace files = platform::files;
+
+template <typename Number>
+Number number(std::string_view text, Number least, Number most) {
+    Number value{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{} || end != text.data() + text.size() || value < least || value > most)
+        throw OptionError("takes a whole number from " + std::to_string(least) + " to " + std::to_string(most)
+                          + ", not \"" + std::string(text) + "\".");
+    return value;
+}
+
+void setListen(Options& options, const std::string& value) {
+    const OptionError refusal("takes HOST:PORT, not \"" + value + "\".");
+    const std::string_view address = value;
+    const auto colon = address.rfind(':');
+    if (colon == std::string_view::npos)
+        throw refusal;
+    std::string_view host = address.substr(0, colon);
+    const std::string_view port = address.substr(colon + 1);
+    if (host.starts_with('[') && host.ends_with(']'))
+        host = host.substr(1, host.size() - 2);
+    const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), options.port);
+    if (host.empty() || error != std::errc{} || end != port.data() + port.size())
+        throw refusal;
+    options.host = host;
+}
+
+void setNames(Options& options, const std::string& value) {
+    options.names.clear();
+    std::size_t start = 0;
+    while (start <= value.size()) {
+        const std::size_t end = std::min(value.find(',', start), value.size());
+        const std::string name = value.substr(start, end - start);
+        const bool isGood = std::ranges::all_of(
+            name, [](unsigned char c) { return std::isalnum(c) != 0 || c == '.' || c == '-' || c == ':'; });
+        if (name.empty() || !isGood)
+            throw OptionError("takes host names and addresses with commas between them, not \"" + value
+                              + "\".");
+        options.names.push_back(name);
+        start = end + 1;
+    }
+}
+
+void setUpstream(Options& options, const std::string& value) {
+    try {
+        const platform::CurlAddress address(value, platform::CurlAddress::PlainHTTP::everywhere);
+        if (address.url.find_first_of("?#@") != std::string::npos)
+            throw platform::HTTPError("It may hold no name, no key and no query.");
+        options.upstream = address.url;
+    } catch (const platform::HTTPError& error) {
+        throw OptionError("takes a base address such as http://127.0.0.1:8000/v1. "
+                          + std::string(error.what()));
+    }
+    while (options.upstream.ends_with('/'))
+        options.upstream.pop_back();
+}
+
+std::string readFile(const std::string& path) {
+    const auto result = files::read(path);
+    if (result.status != files::ReadStatus::read)
+        throw OptionError("names the file " + path
+                          + (result.status == files::ReadStatus::missing ? ", which does not exist."
+                                                                         : ", which cannot be read."));
+    return result.bytes;
+}
+
+void setKeyFile(Options& options, const std::string& value) {
+    std::string key = readFile(value);
+    // What a manager of secrets hands in belongs to somebody else and has modes of its own.
+    struct stat facts {};
+    if (::stat(value.c_str(), &facts) == 0 && facts.st_uid == ::geteuid()
+        && (facts.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+        throw OptionError("names the file " + value + ", which others can read; do chmod 600 " + value + ".");
+    while (!key.empty() && std::isspace(static_cast<unsigned char>(key.back())) != 0)
+        key.pop_back();
+    const auto isGraphic = [](unsigned char c) { return std::isgraph(c) != 0; };
+    if (key.empty() || !std::ranges::all_of(key, isGraphic))
+        throw OptionError("names the file " + value + ", which does not hold a key on a line of its own.");
+    options.key = key;
+}
+
+void setAuthority(Options& options, const std::string& value) {
+    if (readFile(value).find("-----BEGIN CERTIFICATE-----") == std::string::npos)
+        throw OptionError("names the file " + value + ", which holds no certificate in PEM form.");
+    options.upstreamAuthority = value;
+}
+
+void setParameters(Options& options, const std::string& value) {
+    options.parameters = nlohmann::json::parse(value, nullptr, false);
+    if (!options.parameters.is_object())
+        throw OptionError("takes a JSON object, not \"" + value + "\".");
+}
+
+void setAppcast(Options& options, const std::string& value) {
+    if (!std::filesystem::is_directory(value))
+        throw OptionError("names the folder " + value + ", which does not exist.");
+    options.appcast = value;
+}
+
+template <int Options::*field, int least, int most>
+void setNumber(Options& options, const std::string& value) {
+    options.*field = number(value, least, most);
+}
+
+template <std::chrono::seconds Options::*field, int most>
+void setSeconds(Options& options, const std::string& value) {
+    options.*field = std::chrono::seconds(number(value, 1, most));
+}
+
+constexpr int million = 1'000'000;
+
+constexpr auto all = std::to_array<Setting>({
+    {"upstream", Setting::Kind::text, setUpstream},
+    {"model", Setting::Kind::text, [](Options& options, const std::string& value) { options.model = value; }},
+    {"key-file", Setting::Kind::path, setKeyFile},
+    {"upstream-authority", Setting::Kind::path, setAuthority},
+    {"parameters", Setting::Kind::object, setParameters},
+    {"timeout", Setting::Kind::number, setSeconds<&Options::timeout, 3600>},
+    {"listen", Setting::Kind::text, setListen},
+    {"certificate", Setting::Kind::path,
+     [](Options& options, const std::string& value) { options.certificate = value; }},
+    {"names", Setting::Kind::text, setNames},
+    {"rate", Setting::Kind::number, setNumber<&Options::rate, 0, million>},
+    {"at-once", Setting::Kind::number, setNumber<&Options::atOnce, 0, million>},
+    {"device-rate", Setting::Kind::number, setNumber<&Options::deviceRate, 0, million>},
+    {"device-at-once", Setting::Kind::number, setNumber<&Options::deviceAtOnce, 0, million>},
+    {"connections", Setting::Kind::number, setNumber<&Options::connections, 1, million>},
+    {"request-time", Setting::Kind::number, setSeconds<&Options::requestTime, 86400>},
+    {"appcast", Setting::Kind::path, setAppcast},
+});
+
+// The value as it would be written on the command line.
+std::string textOf(const nlohmann::json& value, Setting::Kind kind, const std::filesystem::path& folder) {
+    switch (kind) {
+    case Setting::Kind::number:
+        if (value.is_number_integer())
+            return value.dump();
+        throw OptionError("has to be a whole number.");
+    case Setting::Kind::object:
+        if (value.is_object())
+            return value.dump();
+        throw OptionError("has to be an object.");
+    case Setting::Kind::text:
+    case Setting::Kind::path:
+        break;
+    }
+    if (!value.is_string())
+        throw OptionError("has to be a string.");
+    const auto text = value.get<std::string>();
+    return kind == Setting::Kind::path ? (folder / text).string() : text;
+}
+
+} // namespace
+
+std::span<const Setting> settings() {
+    return all;
+}
+
+void setFromCommandLine(Options& options, const Setting& setting, const std::string& value) {
+    try {
+        setting.set(options, value);
+    } catch (const OptionError& error) {
+        throw OptionError("--" + std::string(setting.name) + " " + error.what());
+    }
+}
+
+void setFromFile(Options& options, const std::filesystem::path& file) {
+    std::string bytes;
+    try {
+        bytes = readFile(file);
+    } catch (const OptionError& error) {
+        throw OptionError("--config " + std::string(error.what()));
+    }
+    const auto config = nlohmann::json::parse(bytes, nullptr, false);
+    if (!config.is_object())
+        throw OptionError("The configuration in " + file.string() + " is not a JSON object.");
+    const auto folder = std::filesystem::absolute(file).parent_path();
+    for (const auto& [name, value] : config.items()) {
+        const auto setting =
+            std::ranges::find(all, name, [](const Setting& each) { return std::string(each.name); });
+        try {
+            if (setting == all.end())
+                throw OptionError("is not known; see --help.");
+            setting->set(options, textOf(value, setting->kind, folder));
+        } catch (const OptionError& error) {
+            throw OptionError("\"" + name + "\" in " + file.string() + " " + error.what());
+        }
+    }
+}
+
+} // namespace lumarin::service
