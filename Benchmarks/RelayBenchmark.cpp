@@ -160,6 +160,7 @@ bool readAnswer(Connection& connection, const std::string& name, Measured& measu
 Measured run(int streams, std::chrono::seconds time, int port, SSL_CTX* context) {
     std::vector<Measured> each(static_cast<std::size_t>(streams));
     std::vector<std::thread> threads;
+    threads.reserve(each.size());
     const auto end = Clock::now() + time;
     for (int number = 0; number < streams; ++number)
         threads.emplace_back([&, number] {
@@ -208,6 +209,7 @@ public:
             LUMARIN_SERVICE, "--listen", "127.0.0.1:0", "--certificate", certificate, "--upstream",
             upstream,        "--rate",   "0",           "--device-rate", "0"};
         std::vector<char*> arguments;
+        arguments.reserve(words.size() + 1);
         for (std::string& word : words)
             arguments.push_back(word.data());
         arguments.push_back(nullptr);
@@ -329,6 +331,7 @@ void sendAllMalformed(int port, SSL_CTX* context) {
     constexpr unsigned senders = 8;
     constexpr unsigned each = 10'000 / senders;
     std::vector<std::thread> threads;
+    threads.reserve(senders);
     for (unsigned sender = 0; sender < senders; ++sender)
         threads.emplace_back(sendMalformed, port, context, sender * each, each);
     for (std::thread& thread : threads)

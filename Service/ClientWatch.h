@@ -1,19 +1,23 @@
 #pragma once
 
 #include "Service/Handles.h"
-#include "Service/Signals.h"
+#include "Service/TranslationEngine.h"
+
+#include <cstdint>
 
 namespace lumarin::service {
 
 // Tells whether anybody still waits for an answer, without reading from the connection.
 class ClientWatch {
 public:
-    ClientWatch(int socket, const Signal& abandon);
+    explicit ClientWatch(const Waiting& waiting);
 
-    // Readable once the client has closed the connection or `abandon` has been raised.
+    // Readable once the client has closed the connection or the service ends for good.
     int descriptor() const { return events.number(); }
 
 private:
+    void watch(int descriptor, std::uint32_t what) const;
+
     Descriptor events;
 };
 

@@ -24,7 +24,8 @@ public:
     // Counts a translation as under way for as long as it lives.
     class Pass {
     public:
-        Pass(Pass&& other) noexcept : limits(std::exchange(other.limits, nullptr)), device(other.device) {}
+        Pass(Pass&& other) noexcept
+            : limits(std::exchange(other.limits, nullptr)), device(std::move(other.device)) {}
         Pass& operator=(Pass&&) = delete;
         ~Pass();
 

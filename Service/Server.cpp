@@ -204,6 +204,8 @@ void Server::translate(AnswerForm form, const Request& request, Response& respon
 
 void Server::report(const Exchange& exchange) {
     metrics.count(exchange);
+    if (exchange.endpoint == healthPath || exchange.endpoint == metricsPath)
+        return; // Asked every few seconds.
     const auto milliseconds = [&](Exchange::Clock::duration time) {
         return std::chrono::round<std::chrono::milliseconds>(time).count();
     };

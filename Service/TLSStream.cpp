@@ -37,10 +37,9 @@ bool TLSStream::accept() {
 }
 
 bool TLSStream::awaitRequest(std::chrono::seconds idle) {
-    if (aheadPosition < ahead.size())
+    if (aheadPosition < aheadEnd)
         return true;
-    ahead = {}; // Most connections idle most of the time.
-    aheadPosition = 0;
+    ahead.reset(); // Most connections idle most of the time.
     return !lost && (SSL_pending(session.get()) > 0 || wait(POLLIN, Clock::now() + idle) == Wait::ready);
 }
 
@@ -68,17 +67,18 @@ void TLSStream::drain() {
 ssize_t TLSStream::read(char* data, std::size_t size) {
     if (allowedBytes == 0)
         return -1;
-    if (aheadPosition == ahead.size()) {
-        ahead.resize(packetBytes);
-        aheadPosition = 0;
+    if (aheadPosition == aheadEnd) {
+        if (!ahead)
+            ahead = std::make_unique_for_overwrite<char[]>(packetBytes);
         const ssize_t count =
-            repeat(readDeadline, [&] { return SSL_read(session.get(), ahead.data(), packetBytes); });
-        ahead.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+            repeat(readDeadline, [&] { return SSL_read(session.get(), ahead.get(), packetBytes); });
         if (count <= 0)
             return -1;
+        aheadPosition = 0;
+        aheadEnd = static_cast<std::size_t>(count);
     }
-    const std::size_t count = std::min({size, allowedBytes, ahead.size() - aheadPosition});
-    std::copy_n(ahead.begin() + static_cast<std::ptrdiff_t>(aheadPosition), count, data);
+    const std::size_t count = std::min({size, allowedBytes, aheadEnd - aheadPosition});
+    std::copy_n(ahead.get() + aheadPosition, count, data);
     aheadPosition += count;
     allowedBytes -= count;
     return static_cast<ssize_t>(count);

@@ -5,7 +5,7 @@
 
 #include <chrono>
 #include <httplib.h>
-#include <vector>
+#include <memory>
 
 namespace lumarin::service {
 
@@ -62,8 +62,9 @@ private:
     Clock::time_point readDeadline;
     Clock::time_point answerDeadline = Clock::time_point::max();
     // What has been read ahead: the library asks for a head byte by byte.
-    std::vector<char> ahead;
+    std::unique_ptr<char[]> ahead;
     std::size_t aheadPosition = 0;
+    std::size_t aheadEnd = 0;
     std::string unsent;
 };
 

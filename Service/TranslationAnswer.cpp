@@ -36,8 +36,9 @@ TranslationAnswer::TranslationAnswer(AnswerForm asked, const TranslationEngine& 
     : form(asked),
       exchange(of),
       pass(std::move(admission)),
-      watch(of.socket, of.signals->abandon),
-      translation(engine.begin(parse(asked, body), {.gone = watch.descriptor(), .deadline = of.deadline})),
+      translation(engine.begin(
+          parse(asked, body),
+          {.socket = of.socket, .abandon = of.signals->abandon.descriptor(), .deadline = of.deadline})),
       lastOutput(of.start) {}
 
 void TranslationAnswer::give(std::unique_ptr<TranslationAnswer> answer, httplib::Response& response) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Service/ClientWatch.h"
 #include "Service/Exchange.h"
 #include "Service/Limits.h"
 #include "Service/TranslationEngine.h"
@@ -34,7 +33,6 @@ private:
     const AnswerForm form;
     Exchange& exchange;
     const Limits::Pass pass;
-    const ClientWatch watch;
     const std::unique_ptr<Translation> translation;
     std::string text;    // Of an answer in one piece.
     std::string pending; // Output that has been waited for but not sent.

@@ -15,7 +15,10 @@ struct TranslationRequest {
 
 // For whom a translation is made, as far as an engine has to know.
 struct Waiting {
-    int gone = -1; // Turns readable when nobody waits any longer; negative if that cannot be known.
+    // The client's connection, to see it closed, and what turns readable when the service ends for good;
+    // negative where nobody is to be watched.
+    int socket = -1;
+    int abandon = -1;
     std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
 };
 

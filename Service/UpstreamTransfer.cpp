@@ -25,6 +25,7 @@ UpstreamTransfer::UpstreamTransfer(const UpstreamConfiguration& configuration, U
                                    std::string json, const Waiting& waiting)
     : settings(configuration),
       connections(pool),
+      deadline(waiting.deadline),
       client(waiting),
       body(std::move(json)),
       address(configuration.url + "/chat/completions", platform::CurlAddress::PlainHTTP::everywhere),
@@ -124,11 +125,11 @@ void UpstreamTransfer::perform() {
 
 // Waits for bytes of the upstream and sees to them; at the same time for the client to go away.
 void UpstreamTransfer::wait(Clock::time_point moment) {
-    const auto until = std::min({moment, client.deadline, lastByte + settings.silence});
+    const auto until = std::min({moment, deadline, lastByte + settings.silence});
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
-    curl_waitfd gone{client.gone, CURL_WAIT_POLLIN, 0};
-    curl_multi_poll(multi.get(), &gone, client.gone >= 0 ? 1 : 0,
-                    static_cast<int>(std::clamp<std::int64_t>(left, 0, INT_MAX)), nullptr);
+    curl_waitfd gone{client.descriptor(), CURL_WAIT_POLLIN, 0};
+    curl_multi_poll(multi.get(), &gone, 1, static_cast<int>(std::clamp<std::int64_t>(left, 0, INT_MAX)),
+                    nullptr);
     if (gone.revents != 0)
         throw Abandoned("The client has gone away.");
     perform();
@@ -137,7 +138,7 @@ void UpstreamTransfer::wait(Clock::time_point moment) {
 void UpstreamTransfer::checkTime(Clock::time_point now) const {
     if (now >= lastByte + settings.silence)
         throw silentUpstream(settings.silence);
-    if (now >= client.deadline)
+    if (now >= deadline)
         throw slowUpstream();
 }
 

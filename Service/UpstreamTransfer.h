@@ -2,6 +2,7 @@
 
 #include "Platform/Foundation/CurlAddress.h"
 #include "Service/ChatStream.h"
+#include "Service/ClientWatch.h"
 #include "Service/TranslationEngine.h"
 #include "Service/Upstream.h"
 
@@ -49,7 +50,8 @@ private:
 
     const UpstreamConfiguration& settings;
     UpstreamConnections& connections;
-    const Waiting client;
+    const Clock::time_point deadline;
+    const ClientWatch client;
     const std::string body;
     const platform::CurlAddress address;
 

@@ -71,6 +71,14 @@ std::unique_ptr<TranslationEngine> makeEngine(const Options& options) {
                                                             .authorities = authorities});
 }
 
+std::unique_ptr<Server> makeServer(const TranslationEngine& engine, const Options& options, const Log& log) {
+    try {
+        return std::make_unique<Server>(engine, options, log);
+    } catch (const std::runtime_error& error) {
+        throw OptionError(error.what()); // A certificate that cannot be used.
+    }
+}
+
 std::string address(const std::string& host, std::uint16_t port) {
     const bool isIpv6 = host.find(':') != std::string::npos;
     return "https://" + (isIpv6 ? "[" + host + "]" : host) + ":" + std::to_string(port);
@@ -80,13 +88,13 @@ void serve(const Options& options) {
     raiseDescriptorLimit();
     Log log([](const std::string& line) { std::cerr << line + "\n"; });
     const auto engine = makeEngine(options);
-    Server server(*engine, options, log);
-    const std::uint16_t port = server.bind(options.host, options.port);
-    const SignalWatch watch(server, log);
+    const auto server = makeServer(*engine, options, log);
+    const std::uint16_t port = server->bind(options.host, options.port);
+    const SignalWatch watch(*server, log);
     log.write("started", {{"listen", address(options.host, port)},
                           {"upstream", options.upstream.empty() ? "built-in gloss" : options.upstream}});
     std::cout << "Listening on " << address(options.host, port) << std::endl;
-    server.run();
+    server->run();
     log.write("stopped");
 }
 
