@@ -18,7 +18,10 @@ struct Exchange {
     using Clock = std::chrono::steady_clock;
 
     // The one that the calling thread handles.
-    static Exchange& current();
+    static Exchange& current() {
+        static thread_local Exchange exchange;
+        return exchange;
+    }
 
     Clock::time_point start;
     Clock::time_point deadline; // By when the answer has to be complete.

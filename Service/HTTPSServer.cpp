@@ -32,11 +32,6 @@ void forgetSpecialWishes(httplib::Request& request) {
 
 } // namespace
 
-Exchange& Exchange::current() {
-    static thread_local Exchange exchange;
-    return exchange;
-}
-
 HTTPSServer::HTTPSServer(CertificateKeeper& identity, std::size_t places, std::chrono::seconds timeForRequest,
                          Ended report)
     : certificates(identity), requestTime(timeForRequest), ended(std::move(report)), connections(places) {

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <poll.h>
 
 namespace lumarin::service {
 namespace {
