@@ -134,8 +134,10 @@ Server::Server(const TranslationEngine& chosen, const Options& options, const Lo
     };
     server.Post(streamPath, answering(AnswerForm::stream));
     server.Post(wholePath, answering(AnswerForm::whole));
-    server.set_exception_handler(
-        [](const Request&, Response& response, const std::exception_ptr&) { response.status = 500; });
+    server.set_exception_handler([](const Request&, Response& response, const std::exception_ptr&) {
+        response.status = 500;
+        Exchange::current().failure = "fault";
+    });
     server.set_error_handler(httplib::Server::Handler(explain));
 }
 
