@@ -16,6 +16,8 @@ public:
     std::optional<Screen> screen = Screen{{0, 0, 1440, 900}, {0, 0, 1440, 875}, 2};
     // The windows that are shown, the front one last.
     std::vector<Window*> shown;
+    // The one that has the keyboard.
+    Window* key = nullptr;
     // Those that are to be drawn; a test takes them out when it has.
     std::set<Window*> needingDisplay;
 
@@ -32,7 +34,11 @@ public:
     void orderOut(Window& window) override {
         std::erase(shown, &window);
         needingDisplay.erase(&window);
+        if (key == &window)
+            key = nullptr;
     }
+
+    void makeKey(Window& window) override { key = &window; }
 
     void setNeedsDisplay(Window& window) override { needingDisplay.insert(&window); }
 
@@ -40,6 +46,9 @@ public:
     Size measure(std::string_view text, const Font& font) override {
         return {static_cast<double>(text::characterCount(text)) * font.size * 10 / 14, font.size * 1.2};
     }
+
+    // Greys, each of its own.
+    Color color(SystemColor name) override { return Color::white(0.1 * static_cast<int>(name), 1); }
 };
 
 } // namespace platform::headless

@@ -22,7 +22,9 @@ Transform blend(const Transform& from, const Transform& to, double share) {
     return {blend(from.scale, to.scale, share), blend(from.translation, to.translation, share)};
 }
 
-Color blend(const Color& from, const Color& to, double share) {
+Color blend(const Color& first, const Color& last, double share) {
+    const Color from = first.resolved();
+    const Color to = last.resolved();
     return {blend(from.red, to.red, share), blend(from.green, to.green, share),
             blend(from.blue, to.blue, share), blend(from.alpha, to.alpha, share)};
 }

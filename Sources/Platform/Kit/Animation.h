@@ -6,6 +6,7 @@
 #include "Platform/Kit/Transform.h"
 
 #include <limits>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -16,14 +17,18 @@ namespace platform {
 using AnimationValue =
     std::variant<double, Point, Size, Transform, Color, std::vector<double>, std::vector<Color>>;
 
-// What basic and keyframe animations have in common. It starts when it is added to a layer. Values, copied by
-// the layer they are added to. Any thread.
+// What is shown when an animation has ended: the layer's own value, or the animation's last one for as long
+// as the layer has the animation.
+enum class FillMode { removed, forwards };
+
+// What basic and keyframe animations have in common. Values, copied by the layer they are added to. Any
+// thread.
 struct Animation {
     static constexpr double forever = std::numeric_limits<double>::infinity();
 
     // The property: "opacity", "colors", "locations", "backgroundColor", "borderColor", "borderWidth",
     // "cornerRadius", "position", "bounds.size", "transform", or the part of one: "position.x", "position.y",
-    // "transform.scale", "transform.translation.x", "transform.translation.y".
+    // "transform.scale", "transform.rotation.z", "transform.translation.x", "transform.translation.y".
     std::string keyPath;
     // Of one run from the first value to the last.
     Duration duration = std::chrono::milliseconds(250);
@@ -31,8 +36,12 @@ struct Animation {
     double repeatCount = 1;
     // The pace of one run as a whole.
     TimingFunction timingFunction = TimingFunction::linear();
-    // Whether the layer forgets its key at the end. It has no effect beyond its end in either case.
+    // In the time of the main run loop; before it the layer shows its own value. When it is added, if left
+    // out.
+    std::optional<Duration> beginTime{};
+    // Whether the layer forgets it at the end.
     bool isRemovedOnCompletion = true;
+    FillMode fillMode = FillMode::removed;
 };
 
 // From one value to another.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Kit/Color.h"
-#include "Platform/Kit/Font.h"
+#include "Platform/Kit/ButtonLook.h"
+#include "Platform/Kit/Symbol.h"
 #include "Platform/Kit/VisualEffect.h"
 
 #include <optional>
@@ -12,10 +12,11 @@ namespace platform {
 
 enum class TextAlignment { left, center };
 
-// What becomes of a line that is wider than its place: it goes on beyond it, or ends in an ellipsis.
-enum class LineBreakMode { clipping, truncatingTail };
+// What becomes of a line that is wider than its place: it goes on beyond it, ends in an ellipsis, or becomes
+// several.
+enum class LineBreakMode { clipping, truncatingTail, wordWrapping };
 
-// One line of text, set from the top of its place downwards.
+// A line of text, set from the top of its place downwards.
 struct TextLine {
     std::string text;
     Font font;
@@ -26,9 +27,19 @@ struct TextLine {
     LineBreakMode lineBreakMode = LineBreakMode::clipping;
 };
 
+// A symbol in one colour, as large as its place.
+struct SymbolPicture {
+    std::string name;
+    Color color;
+    Rect place;
+};
+
 // What a view draws into its layer, for the host to paint. Value.
 struct Drawing {
     std::optional<VisualEffect> effect;
+    std::vector<SymbolPicture> symbols;
+    // As large as the bounds.
+    std::optional<ButtonLook> button;
     std::vector<TextLine> lines;
 };
 

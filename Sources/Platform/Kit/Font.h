@@ -6,14 +6,14 @@
 
 namespace platform {
 
-enum class FontWeight { regular, medium };
+enum class FontWeight { regular, medium, semibold };
 
 // A font of the system's user interface. Any thread.
 struct Font {
     double size = 13;
     FontWeight weight = FontWeight::regular;
 
-    static constexpr Font systemFont(double size, FontWeight weight) { return {size, weight}; }
+    static constexpr Font systemFont(double size, FontWeight weight = FontWeight::regular) { return {size, weight}; }
 
     bool operator==(const Font&) const = default;
 };

@@ -36,6 +36,7 @@ constexpr std::array properties{
                  const double scale = std::get<double>(value);
                  state.transform.scale = {scale, scale};
              }},
+    Property{"transform.rotation.z", assign<&LayerState::rotation>},
     Property{"transform.translation.x",
              [](auto& state, auto& value) { state.transform.translation.x = std::get<double>(value); }},
     Property{"transform.translation.y",
@@ -56,30 +57,58 @@ Setter setterFor(const std::string& keyPath) {
     return found->set;
 }
 
+void resolve(LayerPresentation& layer) {
+    layer.backgroundColor = layer.backgroundColor.resolved();
+    layer.borderColor = layer.borderColor.resolved();
+    for (auto& color : layer.colors)
+        color = color.resolved();
+    for (auto& line : layer.drawing.lines)
+        line.color = line.color.resolved();
+    for (auto& symbol : layer.drawing.symbols)
+        symbol.color = symbol.color.resolved();
+    if (layer.drawing.button)
+        layer.drawing.button->tint = layer.drawing.button->tint.resolved();
+}
+
 std::optional<Duration> earlier(std::optional<Duration> one, std::optional<Duration> other) {
     return one && other ? std::min(one, other) : std::max(one, other);
 }
 
 } // namespace
 
-// A frame may be for a moment just before the animation was added; it shows the beginning.
+// A frame may be for a moment just before the animation was added: it shows the beginning.
 double Layer::Running::runsPassed(Duration time) const {
+    if (animation.duration <= Duration::zero())
+        return animation.repeatCount;
     return std::max(0.0, static_cast<double>((time - begin).count())
                              / static_cast<double>(animation.duration.count()));
 }
 
 bool Layer::Running::isOver(Duration time) const {
-    return animation.duration <= Duration::zero() || runsPassed(time) >= animation.repeatCount;
+    return runsPassed(time) >= animation.repeatCount;
+}
+
+bool Layer::Running::isKept(Duration time) const {
+    return !isOver(time) || !animation.isRemovedOnCompletion;
+}
+
+bool Layer::Running::isShown(Duration time) const {
+    if (isOver(time))
+        return isKept(time) && animation.fillMode == FillMode::forwards;
+    return !animation.beginTime || time >= begin;
 }
 
 void Layer::Running::show(LayerState& state, Duration time) const {
-    const double runs = runsPassed(time);
-    apply(state, animation.value(runs - std::floor(runs)));
+    const double runs = std::min(runsPassed(time), animation.repeatCount);
+    const double share = runs - std::floor(runs);
+    apply(state, animation.value(isOver(time) && share == 0 ? 1 : share));
 }
 
 std::optional<Duration> Layer::Running::nextChange(Duration time) const {
     if (isOver(time))
         return std::nullopt;
+    if (!isShown(time))
+        return begin;
     if (!animation.timingFunction.isLinear())
         return time;
     // It holds still between equal values.
@@ -133,9 +162,9 @@ void Layer::addAnimation(const KeyframeAnimation& animation, const std::string& 
     const Setter apply = setterFor(animation.keyPath);
     const Duration now = Host::current().mainRunLoop().now();
     std::erase_if(animations, [&](const Running& running) {
-        return running.key == key || (running.isOver(now) && running.animation.isRemovedOnCompletion);
+        return running.key == key || !running.isKept(now);
     });
-    animations.push_back({key, animation, apply, now});
+    animations.push_back({key, animation, apply, animation.beginTime.value_or(now)});
     setNeedsDisplay();
 }
 
@@ -153,7 +182,7 @@ std::vector<std::string> Layer::animationKeys() const {
     const Duration now = Host::current().mainRunLoop().now();
     std::vector<std::string> keys;
     for (const auto& running : animations)
-        if (!running.isOver(now) || !running.animation.isRemovedOnCompletion)
+        if (running.isKept(now))
             keys.push_back(running.key);
     return keys;
 }
@@ -161,6 +190,7 @@ std::vector<std::string> Layer::animationKeys() const {
 LayerPresentation Layer::presentation(Duration time) const {
     LayerPresentation result{shown(time), {}, {}};
     draw(result.drawing, result.bounds());
+    resolve(result);
     for (const auto& child : children)
         result.sublayers.push_back(child->presentation(time));
     return result;
@@ -183,7 +213,7 @@ void Layer::setNeedsDisplay() {
 LayerState Layer::shown(Duration time) const {
     LayerState state = model;
     for (const auto& running : animations)
-        if (!running.isOver(time))
+        if (running.isShown(time))
             running.show(state, time);
     return state;
 }

@@ -27,6 +27,9 @@ public:
     void setPosition(const Point& position) { set("position", &LayerState::position, position); }
     const Transform& transform() const { return model.transform; }
     void setTransform(const Transform& transform) { set("transform", &LayerState::transform, transform); }
+    // By radians against the clock, about the position, before the transform.
+    double rotation() const { return model.rotation; }
+    void setRotation(double radians) { set("transform.rotation.z", &LayerState::rotation, radians); }
     float opacity() const { return static_cast<float>(model.opacity); }
     void setOpacity(float opacity) { set("opacity", &LayerState::opacity, double{opacity}); }
     const Color& backgroundColor() const { return model.backgroundColor; }
@@ -91,6 +94,8 @@ private:
 
         double runsPassed(Duration time) const;
         bool isOver(Duration time) const;
+        bool isKept(Duration time) const;
+        bool isShown(Duration time) const;
         void show(LayerState& state, Duration time) const;
         std::optional<Duration> nextChange(Duration time) const;
     };

@@ -10,7 +10,8 @@ struct LayerState {
     // Of the middle, in the superlayer's coordinates, whose origin is its lower left corner.
     Point position;
     Size size;
-    // About the position.
+    // Both about the position: first turned, by radians against the clock, then transformed.
+    double rotation = 0;
     Transform transform;
     double opacity = 1;
     Color backgroundColor;
@@ -34,9 +35,10 @@ struct LayerState {
 };
 
 // A layer and all below it as they are shown at one time: a value that owes nothing to the layers it came
-// from. It is painted so: moved and transformed; then, as one group of its opacity and, if it masks, clipped
-// to its rounded bounds: effect, background, gradient, text, sublayers in order, and the border on top,
-// inside the edge. Background, gradient, effect and border have rounded corners also without masking.
+// from, and its colours are in components. It is painted so: moved, turned and transformed; then, as one
+// group of its opacity and, if it masks or is turned, clipped to its rounded bounds: effect, background,
+// gradient, symbols, button, text, sublayers in order, and the border on top, inside the edge. Background,
+// gradient, effect and border have rounded corners also without masking.
 struct LayerPresentation : LayerState {
     Drawing drawing;
     std::vector<LayerPresentation> sublayers;

@@ -1,17 +1,11 @@
 #pragma once
 
 #include "Platform/Kit/Menu.h"
+#include "Platform/Kit/Symbol.h"
 
 #include <memory>
-#include <string>
 
 namespace platform {
-
-// A drawing of the bundle's by its name, and what it is for those who cannot see it.
-struct Symbol {
-    std::string name;
-    std::string accessibilityDescription;
-};
 
 // The program's icon in the desktop's status bar, there for as long as it lives. Main thread.
 class StatusItem {

@@ -20,10 +20,23 @@ public:
         return label;
     }
 
+    // The same in as many lines as its width asks for.
+    template <typename Field>
+    static std::shared_ptr<Field> wrappingLabelWithString(std::string text) {
+        auto label = labelWithString<Field>(std::move(text));
+        label->setLineBreakMode(LineBreakMode::wordWrapping);
+        return label;
+    }
+
     const TextFieldCell& cell() const { return *content; }
 
     const std::string& stringValue() const { return content->stringValue; }
-    void setStringValue(std::string text) { set(&TextFieldCell::stringValue, std::move(text)); }
+    void setStringValue(std::string text) {
+        content->attributedStringValue.clear();
+        set(&TextFieldCell::stringValue, std::move(text));
+    }
+    // Its string value is then the text of all pieces.
+    void setAttributedStringValue(AttributedString text);
     const Font& font() const { return content->font; }
     void setFont(const Font& font) { set(&TextFieldCell::font, font); }
     const Color& textColor() const { return content->textColor; }

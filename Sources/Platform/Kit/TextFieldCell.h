@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Kit/AttributedString.h"
 #include "Platform/Kit/View.h"
 
 #include <string>
@@ -16,15 +17,17 @@ struct FieldEditor {
     std::size_t selectionLength = 0;
 };
 
-// The text of a text field, and where it stands in it: in one line, at the top. A kind of field that places
+// The text of a text field, and where it stands in it: at the top, in one line unless it wraps. A kind of field that places
 // its text otherwise overrides the operations. Owned by its field. Main thread.
 class TextFieldCell {
 public:
     virtual ~TextFieldCell() = default;
 
+    // With pieces in it the attributed text is what is shown, from the left.
     std::string stringValue;
+    AttributedString attributedStringValue;
     Font font;
-    Color textColor = Color::white(0, 1);
+    Color textColor = Color::system(SystemColor::label);
     TextAlignment alignment = TextAlignment::left;
     LineBreakMode lineBreakMode = LineBreakMode::clipping;
 

@@ -41,6 +41,19 @@ public:
     };
     Animator animator() { return Animator(*this); }
 
+    // The views of one kind in the tree below, in their order, but for what is transparent: that takes no
+    // part in what a person does.
+    template <typename Kind, typename Visit>
+    void forEach(const Visit& visit) const {
+        for (const auto& child : children) {
+            if (child->alphaValue() == 0)
+                continue;
+            if (auto kind = std::dynamic_pointer_cast<Kind>(child))
+                visit(kind);
+            child->template forEach<Kind>(visit);
+        }
+    }
+
     void setNeedsDisplay() { backing->setNeedsDisplay(); }
 
 protected:

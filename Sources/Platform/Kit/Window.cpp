@@ -2,6 +2,8 @@
 
 #include "Platform/Host.h"
 #include "Platform/Kit/AnimationContext.h"
+#include "Platform/Kit/Button.h"
+#include "Platform/Kit/Screen.h"
 #include "Platform/Kit/Transaction.h"
 
 #include <utility>
@@ -25,7 +27,7 @@ private:
 Window::Window(const Rect& contentRect, StyleMask mask)
     : styleMask(mask), surface(std::make_shared<Surface>(*this)) {
     setFrame(contentRect);
-    setBackgroundColor(Color::white(0.93, 1));
+    setBackgroundColor(Color::system(SystemColor::windowBackground));
     setContentView(std::make_shared<View>());
 }
 
@@ -40,6 +42,12 @@ void Window::setFrame(const Rect& frame) {
 
 void Window::setFrameOrigin(const Point& origin) {
     setFrame({origin.x, origin.y, frame().width, frame().height});
+}
+
+void Window::center() {
+    if (const auto screen = Screen::mainScreen())
+        setFrameOrigin({screen->visibleFrame.midX() - frame().width / 2,
+                        screen->visibleFrame.midY() - frame().height / 2});
 }
 
 void Window::setAlphaValue(double alpha) {
@@ -65,9 +73,25 @@ void Window::orderFrontRegardless() {
     Host::current().windowServer().orderFront(*this);
 }
 
+void Window::makeKeyAndOrderFront() {
+    orderFrontRegardless();
+    Host::current().windowServer().makeKey(*this);
+}
+
 void Window::orderOut() {
     if (std::exchange(visible, false))
         Host::current().windowServer().orderOut(*this);
+}
+
+bool Window::performKeyEquivalent(std::string_view key) {
+    std::shared_ptr<Button> pressed;
+    content->forEach<Button>([&](const std::shared_ptr<Button>& button) {
+        if (!pressed && button->isEnabled() && button->keyEquivalent() == key)
+            pressed = button;
+    });
+    if (pressed)
+        pressed->performClick();
+    return pressed != nullptr;
 }
 
 void Window::resize(const Rect& frame) {

@@ -11,7 +11,9 @@ enum class WindowLevel { normal = 0, floating = 3 };
 // thread.
 class Window {
 public:
-    enum class StyleMask : unsigned { borderless = 0, nonactivatingPanel = 128 };
+    // Several joined by |. A window with a title has the desktop's frame around it, takes the keyboard, and
+    // keeps its size.
+    enum class StyleMask : unsigned { borderless = 0, titled = 1, closable = 2, nonactivatingPanel = 128 };
 
     Window(const Rect& contentRect, StyleMask styleMask);
     virtual ~Window();
@@ -25,10 +27,15 @@ public:
     bool hasShadow = true;
     bool isMovable = true;
 
-    // In the screen's coordinates.
+    // In the desktop's frame.
+    std::string title;
+
+    // In the screen's coordinates, without the desktop's frame.
     Rect frame() const { return surface->frame(); }
     void setFrame(const Rect& frame);
     void setFrameOrigin(const Point& origin);
+    // In the middle of the main screen; nothing changes without one.
+    void center();
     double alphaValue() const { return surface->opacity(); }
     void setAlphaValue(double alpha);
 
@@ -40,8 +47,15 @@ public:
 
     // Shows the window in front of the others without activating the program.
     void orderFrontRegardless();
+    // The same, and gives it the keyboard.
+    void makeKeyAndOrderFront();
     void orderOut();
+    // What the desktop's frame closes it by. It may be shown again.
+    void close() { orderOut(); }
     bool isVisible() const { return visible; }
+
+    // A key was pressed that nothing in the window took: presses the button it stands for, if there is one.
+    bool performKeyEquivalent(std::string_view key);
 
     // Makes the same changes over the duration and along the curve of the animation group under way; reads
     // back from the window as done. The content view keeps up with the window.
@@ -70,5 +84,12 @@ private:
     std::shared_ptr<View> content;
     bool visible = false;
 };
+
+constexpr Window::StyleMask operator|(Window::StyleMask one, Window::StyleMask other) {
+    return static_cast<Window::StyleMask>(static_cast<unsigned>(one) | static_cast<unsigned>(other));
+}
+constexpr bool contains(Window::StyleMask all, Window::StyleMask one) {
+    return (static_cast<unsigned>(all) & static_cast<unsigned>(one)) != 0;
+}
 
 } // namespace platform

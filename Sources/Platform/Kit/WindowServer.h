@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Kit/Color.h"
 #include "Platform/Kit/Font.h"
 #include "Platform/Kit/Screen.h"
 
@@ -23,6 +24,8 @@ public:
     // which a window is at the end of its life.
     virtual void orderFront(Window& window) = 0;
     virtual void orderOut(Window& window) = 0;
+    // Gives a shown window the keyboard.
+    virtual void makeKey(Window& window) = 0;
 
     // A shown window is to be drawn at the next opportunity. Comes at each of many changes: it only takes
     // note.
@@ -30,6 +33,9 @@ public:
 
     // The extent of the text as one line: its advance, and the height of the font's lines.
     virtual Size measure(std::string_view text, const Font& font) = 0;
+
+    // One of the theme's colours in components. All shown windows are drawn anew when the theme changes.
+    virtual Color color(SystemColor name) = 0;
 };
 
 } // namespace platform
