@@ -14,10 +14,9 @@ using namespace std::chrono_literals;
 
 constexpr int particles = 40;
 constexpr std::array sizes{4.0, 5.0, 6.0, 3.0};
-constexpr std::array colors{
-    Color::calibrated(0.55, 0.47, 0.98, 1), Color::calibrated(0.35, 0.78, 0.5, 1),
-    Color::calibrated(0.98, 0.65, 0.25, 1), Color::calibrated(0.95, 0.4, 0.45, 1),
-    Color::calibrated(0.3, 0.7, 0.95, 1),   Color::calibrated(0.95, 0.8, 0.25, 1)};
+constexpr std::array colors{Color::calibrated(0.55, 0.47, 0.98, 1), Color::calibrated(0.35, 0.78, 0.5, 1),
+                            Color::calibrated(0.98, 0.65, 0.25, 1), Color::calibrated(0.95, 0.4, 0.45, 1),
+                            Color::calibrated(0.3, 0.7, 0.95, 1),   Color::calibrated(0.95, 0.8, 0.25, 1)};
 constexpr Duration fadeTime = 400ms;
 // Just above the page.
 constexpr double above = 10;

@@ -62,8 +62,7 @@ std::shared_ptr<View> box(double x, double width) {
 
 std::shared_ptr<TextField> labelIn(View& view, const char* text, const Font& font, const Color& color) {
     const double height = font.size + 4;
-    auto label =
-        centeredLabel(text, font, color, {0, (rowHeight - height) / 2, view.frame().width, height});
+    auto label = centeredLabel(text, font, color, {0, (rowHeight - height) / 2, view.frame().width, height});
     view.addSubview(label);
     return label;
 }
@@ -164,8 +163,8 @@ void Demo::setKeyPressed(bool isPressed, Duration duration) {
 } // namespace
 
 Timer startWelcomeDemo(View& page) {
-    return Host::current().mainRunLoop().every(
-        120ms, [demo = std::make_shared<Demo>(page)] { demo->tick(); });
+    return Host::current().mainRunLoop().every(120ms,
+                                               [demo = std::make_shared<Demo>(page)] { demo->tick(); });
 }
 
 } // namespace lumarin

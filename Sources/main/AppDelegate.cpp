@@ -32,6 +32,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     registerLoginItem();
     if (!statusItem_->isVisible())
         LumLog::log("This desktop has no status bar yet; the icon appears when there is one");
+    scheduleOnboarding();
     LumLog::log("App started");
 }
 

@@ -4,6 +4,7 @@
 #include "Platform/Foundation/Observers.h"
 #include "Platform/Kit/Application.h"
 #include "Platform/Updates/StandardUpdaterController.h"
+#include "UI/OnboardingWindow.h"
 
 #include <memory>
 #include <optional>
@@ -49,6 +50,9 @@ private:
     platform::MenuItem makeItem(std::string title, MenuAction action, std::any representedObject = {});
 
     void registerLoginItem();
+    // Opens the first steps a little later, if the permission is missing: at each launch anew.
+    void scheduleOnboarding();
+    void showOnboarding();
 
     std::unique_ptr<platform::StatusItem> statusItem_;
     const std::shared_ptr<TranslationStateMachine> stateMachine = std::make_shared<TranslationStateMachine>();
@@ -57,6 +61,7 @@ private:
     bool updateAvailable = false;
     // From the first check on.
     std::optional<platform::StandardUpdaterController> updaterController;
+    std::shared_ptr<OnboardingWindow> onboarding;
 };
 
 } // namespace lumarin

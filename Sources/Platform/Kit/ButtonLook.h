@@ -11,7 +11,8 @@ class Button;
 
 enum class BezelStyle { rounded, inlined };
 
-// What a button is to look like; whether it is pressed, pointed at or has the keyboard, the host knows. Value.
+// What a button is to look like; whether it is pressed, pointed at or has the keyboard, the host knows.
+// Value.
 struct ButtonLook {
     std::string title;
     Font font;

@@ -13,7 +13,9 @@ struct Font {
     double size = 13;
     FontWeight weight = FontWeight::regular;
 
-    static constexpr Font systemFont(double size, FontWeight weight = FontWeight::regular) { return {size, weight}; }
+    static constexpr Font systemFont(double size, FontWeight weight = FontWeight::regular) {
+        return {size, weight};
+    }
 
     bool operator==(const Font&) const = default;
 };

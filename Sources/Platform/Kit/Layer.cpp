@@ -161,9 +161,8 @@ void Layer::addAnimation(const BasicAnimation& animation, const std::string& key
 void Layer::addAnimation(const KeyframeAnimation& animation, const std::string& key) {
     const Setter apply = setterFor(animation.keyPath);
     const Duration now = Host::current().mainRunLoop().now();
-    std::erase_if(animations, [&](const Running& running) {
-        return running.key == key || !running.isKept(now);
-    });
+    std::erase_if(animations,
+                  [&](const Running& running) { return running.key == key || !running.isKept(now); });
     animations.push_back({key, animation, apply, animation.beginTime.value_or(now)});
     setNeedsDisplay();
 }

@@ -30,8 +30,8 @@ ProgressIndicator::ProgressIndicator(const Rect& frame) : View(frame) {
         const double middle = radius - length / 2;
         auto spoke = std::make_shared<Layer>();
         spoke->setFrame({0, 0, width, length});
-        spoke->setPosition({bounds().midX() - middle * std::sin(angle),
-                            bounds().midY() + middle * std::cos(angle)});
+        spoke->setPosition(
+            {bounds().midX() - middle * std::sin(angle), bounds().midY() + middle * std::cos(angle)});
         spoke->setRotation(angle);
         spoke->setCornerRadius(width / 2);
         spoke->setBackgroundColor(Color::system(SystemColor::label));
@@ -43,7 +43,8 @@ ProgressIndicator::ProgressIndicator(const Rect& frame) : View(frame) {
 void ProgressIndicator::startAnimation() {
     for (int index = 0; index < spokes; ++index) {
         // In steps: at rest between them, it costs next to nothing to show.
-        KeyframeAnimation steps{{.keyPath = "opacity", .duration = turn, .repeatCount = Animation::forever}, {}, {}};
+        KeyframeAnimation steps{
+            {.keyPath = "opacity", .duration = turn, .repeatCount = Animation::forever}, {}, {}};
         for (int step = 0; step < spokes; ++step) {
             const double shown = brightness((step - index + spokes) % spokes);
             steps.values.insert(steps.values.end(), {shown, shown});

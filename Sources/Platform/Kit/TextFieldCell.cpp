@@ -16,9 +16,10 @@ double drawRun(const TextRun& run, const Rect& place, Drawing& drawing) {
     }
     const Size size = Symbol::sizeAt(run.font.size);
     const double lineHeight = sizeWithAttributes("", run.font).height;
-    drawing.symbols.push_back({run.symbol->name, run.color,
-                               {place.x, place.maxY() - (lineHeight + size.height) / 2, size.width,
-                                size.height}});
+    drawing.symbols.push_back(
+        {run.symbol->name,
+         run.color,
+         {place.x, place.maxY() - (lineHeight + size.height) / 2, size.width, size.height}});
     return size.width;
 }
 

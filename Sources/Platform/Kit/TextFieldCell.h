@@ -17,8 +17,8 @@ struct FieldEditor {
     std::size_t selectionLength = 0;
 };
 
-// The text of a text field, and where it stands in it: at the top, in one line unless it wraps. A kind of field that places
-// its text otherwise overrides the operations. Owned by its field. Main thread.
+// The text of a text field, and where it stands in it: at the top, in one line unless it wraps. A kind of
+// field that places its text otherwise overrides the operations. Owned by its field. Main thread.
 class TextFieldCell {
 public:
     virtual ~TextFieldCell() = default;

@@ -1,0 +1,275 @@
+#include "Support/HeadlessTest.h"
+#include "UI/Confetti.h"
+#include "main/AppDelegate.h"
+
+#include <set>
+
+using namespace lumarin;
+using namespace platform;
+using namespace std::chrono_literals;
+
+namespace {
+
+// What there is to read, in order.
+std::string textsOf(const LayerPresentation& layer) {
+    std::string texts;
+    for (const auto& symbol : layer.drawing.symbols)
+        texts += "<" + symbol.name + ">";
+    for (const auto& line : layer.drawing.lines)
+        texts += line.text + "|";
+    if (layer.drawing.button)
+        texts += "[" + layer.drawing.button->title + "]";
+    for (const auto& sublayer : layer.sublayers)
+        texts += textsOf(sublayer);
+    return texts;
+}
+
+// The program launched on a machine in memory, without the permission.
+class Onboarding : public tests::HeadlessTest {
+protected:
+    Onboarding() { launch(); }
+
+    void launch() {
+        host.keys.isPermitted = false;
+        delegate = std::make_shared<AppDelegate>();
+        host.application().delegate = delegate;
+        host.application().run();
+        host.advance(299ms);
+        EXPECT_TRUE(host.windows.shown.empty());
+        host.advance(1ms);
+    }
+
+    Window& window() { return *host.windows.shown.at(0); }
+    std::vector<LayerPresentation> pages(Duration after = {}) {
+        return window().presentation(host.clock.now() + after).sublayers.at(0).sublayers.at(0).sublayers;
+    }
+    LayerPresentation page(Duration after = {}) { return pages(after).at(0); }
+    // The title of the only page, or how many there are.
+    std::string title() {
+        const auto count = pages().size();
+        return count == 1 ? page().sublayers.at(1).drawing.lines.at(0).text
+                          : std::to_string(count) + " pages";
+    }
+
+    void pressReturn() {
+        EXPECT_TRUE(window().performKeyEquivalent("\r"));
+        host.advance(250ms);
+    }
+    void skip() {
+        window().contentView()->forEach<Button>([&](const auto& button) {
+            if (button->title() == "Skip")
+                button->performClick();
+        });
+        host.advance(250ms);
+    }
+    void permit() { host.keys.isPermitted = true; }
+
+    // Whether nothing goes on by itself for long.
+    bool comesToRest() {
+        const auto start = host.clock.now();
+        host.clock.drain(1min);
+        return host.clock.now() - start < 30s;
+    }
+
+    std::shared_ptr<AppDelegate> delegate;
+};
+
+const std::string permissionTitle = "Let Lumarin type for you";
+const std::string doneTitle = "You are ready to go";
+
+} // namespace
+
+TEST_F(Onboarding, LeadsToTheEndOnEveryWay) {
+    using Step = std::pair<std::function<void()>, std::string>;
+    const auto enter = [this] { pressReturn(); };
+    const auto leave = [this] { skip(); };
+    const auto grant = [this] { permit(); };
+    const auto wait = [this](Duration duration) { return [=, this] { host.advance(duration); }; };
+    for (const auto& [name, steps] : std::vector<std::pair<const char*, std::vector<Step>>>{
+             {"granted on the first page", {{grant, "Lumarin"}, {enter, doneTitle}}},
+             {"granted while it waits",
+              {{enter, permissionTitle},
+               {enter, permissionTitle},
+               {grant, permissionTitle},
+               // It is seen a second after the page came, half of which has gone by.
+               {wait(500ms + 399ms), permissionTitle},
+               {wait(1ms), "2 pages"},
+               {wait(250ms), doneTitle}}},
+             {"gone on before it is seen",
+              {{enter, permissionTitle}, {grant, permissionTitle}, {enter, doneTitle}}},
+             {"gone on as soon as it is seen",
+              {{enter, permissionTitle},
+               {grant, permissionTitle},
+               {wait(800ms), permissionTitle},
+               {enter, doneTitle}}},
+             {"skipped", {{enter, permissionTitle}, {leave, doneTitle}, {grant, doneTitle}}},
+         }) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(title(), "Lumarin");
+        host.trustPrompts = 0;
+        for (const auto& [act, expected] : steps) {
+            act();
+            EXPECT_EQ(title(), expected);
+        }
+        EXPECT_EQ(host.trustPrompts, steps.size() == 6 ? 1 : 0);
+        const auto layers = page().sublayers.size();
+        host.advance(3s);
+        EXPECT_EQ(page().sublayers.size(), layers) << "one burst of confetti";
+
+        const auto menu = host.bar.menu;
+        const int clicks = host.bar.clicks;
+        const int attempts = host.login.attempts;
+        host.login.failure = "disk full";
+        EXPECT_TRUE(window().performKeyEquivalent("\r"));
+        EXPECT_TRUE(host.windows.shown.empty());
+        EXPECT_NE(host.bar.menu, menu) << "built anew";
+        EXPECT_EQ(host.login.attempts, attempts + 1);
+        host.advance(299ms);
+        EXPECT_EQ(host.bar.clicks, clicks);
+        host.advance(1ms);
+        EXPECT_EQ(host.bar.clicks, clicks + 1);
+        EXPECT_TRUE(comesToRest());
+        launch();
+    }
+}
+
+TEST_F(Onboarding, ClosedItCallsNothingAndOnlyWaitsOn) {
+    for (int step = 0; step < 3; ++step) {
+        SCOPED_TRACE(step);
+        if (step > 0)
+            pressReturn();
+        if (step > 1)
+            skip();
+        const auto menu = host.bar.menu;
+        const int attempts = host.login.attempts;
+        window().close();
+        EXPECT_EQ(comesToRest(), step == 2) << "the demonstration and the waiting go on";
+        EXPECT_TRUE(host.windows.needingDisplay.empty());
+        permit();
+        EXPECT_EQ(comesToRest(), step != 0);
+        EXPECT_TRUE(host.windows.shown.empty());
+        EXPECT_EQ(host.bar.menu, menu);
+        EXPECT_EQ(host.bar.clicks, 0);
+        EXPECT_EQ(host.login.attempts, attempts);
+        launch();
+    }
+}
+
+TEST_F(Onboarding, StandsInTheMiddleWithTheKeyboard) {
+    EXPECT_EQ(host.windows.key, &window());
+    EXPECT_EQ(host.activations, 1);
+    EXPECT_EQ(window().title, "Lumarin");
+    EXPECT_EQ(window().styleMask, Window::StyleMask::titled | Window::StyleMask::closable);
+    EXPECT_EQ(window().frame(), (Rect{530, 277.5, 380, 320}));
+}
+
+TEST_F(Onboarding, PagesSayWhatTheyAreAndSlideAlong) {
+    const auto expectPage = [this](const std::string& texts, double fill) {
+        EXPECT_EQ(textsOf(page()), texts);
+        std::set<double> bars;
+        for (const auto& layer : page().sublayers)
+            if (layer.frame().y == 12 && layer.frame().x == 160)
+                bars.insert(layer.frame().width);
+        EXPECT_EQ(bars, (std::set<double>{fill, 60}));
+    };
+    expectPage("💬|Lumarin|Write in your language, send in theirs.||Fn|→||[Get Started]", 20);
+    pressReturn();
+    const std::string head =
+        "🔐|" + permissionTitle + "|This session does not yet let Lumarin notice your key and type for you.|";
+    expectPage(head + "Waiting for permission…|[Show How][Skip]", 40);
+    permit();
+    host.advance(750ms);
+    expectPage(head + "<checkmark.circle.fill> Permission granted|[Show How][Skip]", 40);
+    host.advance(400ms);
+
+    const double half = TimingFunction(0.25, 1, 0.5, 1).value(0.5);
+    const auto leaving = pages(125ms).at(0);
+    const auto coming = pages(125ms).at(1);
+    EXPECT_DOUBLE_EQ(leaving.frame().x, -190 * half);
+    EXPECT_DOUBLE_EQ(leaving.opacity, 1 - half);
+    EXPECT_DOUBLE_EQ(coming.frame().x, 380 * (1 - half));
+    EXPECT_EQ(coming.opacity, 1);
+    EXPECT_TRUE(window().performKeyEquivalent("\r")) << "of the page that comes";
+    EXPECT_TRUE(host.windows.shown.empty());
+    host.advance(250ms);
+    launch();
+    pressReturn();
+    skip();
+    expectPage("🎉|" + doneTitle + "|Hold Fn (or Right Ctrl) in any text field and watch.|[Start Now]", 60);
+}
+
+TEST_F(Onboarding, ShowsAGestureOverAndOver) {
+    struct Look {
+        int tick;
+        std::string source;
+        std::string result;
+        double key;
+        double scale;
+        double resultAlpha;
+    };
+    // The layers of the first page: icon, title, tagline, then the demonstration's four.
+    const auto part = [this](std::size_t index) { return page(200ms).sublayers.at(3 + index); };
+    const auto text = [](const LayerPresentation& box) {
+        return box.sublayers.back().drawing.lines.at(0).text;
+    };
+    const auto start = host.clock.now();
+    for (const int cycle : {0, 1})
+        for (const auto& [tick, source, result, key, scale, resultAlpha] : std::vector<Look>{
+                 {0, "你", "", 0, 1, 0},
+                 {3, "你好世界", "", 0, 1, 0},
+                 {5, "你好世界", "", 0, 1, 0},
+                 {6, "你好世界", "", 1, 1, 0},
+                 {9, "你好世界", "", 1, 0.92, 0},
+                 {12, "你好世界", "", 1, 0.92, 0},
+                 {13, "你好世界", "", 1, 1, 0},
+                 {14, "你好世界", "", 1, 1, 1},
+                 {15, "你好世界", "", 1, 1, 1},
+                 {16, "你好世界", "H", 1, 1, 1},
+                 {26, "你好世界", "Hello World", 1, 1, 1},
+                 {41, "你好世界", "Hello World", 1, 1, 1},
+                 {42, "", "", 0, 1, 0},
+             }) {
+            host.advance(start + (43 * cycle + tick + 1) * 120ms - host.clock.now());
+            SCOPED_TRACE(tick);
+            EXPECT_EQ(text(part(0)), source);
+            EXPECT_EQ(text(part(3)), result);
+            EXPECT_EQ(part(1).opacity, key);
+            EXPECT_EQ(part(1).transform.scale.width, scale);
+            EXPECT_EQ(part(2).opacity, resultAlpha);
+            EXPECT_EQ(part(3).opacity, resultAlpha);
+            EXPECT_EQ(part(1).sublayers.at(0).colors.at(1).red, scale == 1 ? 0.22 : 0.14);
+        }
+    // Phrases of 4 and 11 characters at 12 points, rounded up, and 16 more.
+    EXPECT_EQ(part(0).frame(), (Rect{71, 146, 51, 28}));
+    EXPECT_EQ(part(3).frame(), (Rect{198, 146, 111, 28}));
+}
+
+TEST_F(Onboarding, ConfettiFallsInsideThePageAndFades) {
+    View page({0, 0, 380, 320});
+    std::mt19937 random(7);
+    const auto now = host.clock.now();
+    startConfetti(page, random);
+    EXPECT_TRUE(page.layer()->masksToBounds());
+    const auto at = [&](Duration after) { return page.layer()->presentation(now + after).sublayers; };
+    const auto first = at(0ms);
+    const auto last = at(2600ms);
+    ASSERT_EQ(first.size(), 40U);
+    std::set<double> reds;
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        EXPECT_GE(first[i].frame().y, 320) << "not yet on the page";
+        EXPECT_EQ(first[i].size.width, (std::array{4, 5, 6, 3}[i % 4]));
+        EXPECT_EQ(first[i].backgroundColor, first[i % 6].backgroundColor);
+        reds.insert(first[i].backgroundColor.red + first[i].backgroundColor.green);
+        EXPECT_EQ(last[i].opacity, 0);
+        EXPECT_NEAR(last[i].position.x, first[i].position.x, 60);
+        EXPECT_NEAR(last[i].position.y, 10, 30);
+        EXPECT_LE(std::abs(last[i].rotation), 6);
+        EXPECT_EQ(at(1h)[i].position, last[i].position) << "it stays where it fell";
+    }
+    EXPECT_EQ(reds.size(), 6U);
+    EXPECT_FALSE(page.layer()->nextChange(now + 2600ms));
+    // On the way all are seen, and they turn.
+    const auto middle = at(800ms);
+    EXPECT_GT(std::ranges::count_if(middle, [](auto& each) { return each.opacity == 1; }), 20);
+    EXPECT_GT(std::ranges::count_if(middle, [](auto& each) { return each.rotation != 0; }), 35);
+}
