@@ -31,7 +31,7 @@ public:
 private:
     static inline const tests::TemporaryFolder folder;
     QtRunLoop loop;
-    DesktopWindowServer server{loop};
+    DesktopWindowServer server{loop, mainBundle()};
 };
 
 // Counts what the server was asked to draw.

@@ -47,11 +47,11 @@ DesktopHost::DesktopHost(int& argumentCount, char** arguments)
       qt(std::make_unique<QApplication>(argumentCount, arguments)),
       keyboardNotices(std::make_unique<KeyboardNoticeFilter>(display)),
       runLoop(std::make_unique<QtRunLoop>()),
-      windows(std::make_unique<DesktopWindowServer>(*runLoop)),
-      keys(std::make_unique<DesktopKeyboard>(display, *runLoop, postedKeys)),
-      applications(display, ApplicationNames(dataFolders(), preferredLocales())),
       folders(sessionDirectories()),
       bundle(folders.resources, folders.configuration / "Info.json"),
+      windows(std::make_unique<DesktopWindowServer>(*runLoop, bundle)),
+      keys(std::make_unique<DesktopKeyboard>(display, *runLoop, postedKeys)),
+      applications(display, ApplicationNames(dataFolders(), preferredLocales())),
       bar(display, bundle,
           [this](const std::string& command) {
               if (command == "terminate:")

@@ -60,13 +60,13 @@ private:
     std::unique_ptr<QApplication> qt;
     std::unique_ptr<KeyboardNoticeFilter> keyboardNotices;
     std::unique_ptr<QtRunLoop> runLoop;
+    const Directories folders;
+    const Bundle bundle;
     std::unique_ptr<WindowServer> windows;
     PostedKeys postedKeys;
     std::unique_ptr<DesktopKeyboard> keys;
     DesktopPasteboard pasteboard{postedKeys};
     DesktopWorkspace applications;
-    const Directories folders;
-    const Bundle bundle;
     Application app;
     const HostTexts texts{bundle, app};
     DesktopAlerts alertWindows{display, texts};

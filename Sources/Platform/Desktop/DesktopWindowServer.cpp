@@ -17,8 +17,9 @@ bool contains(const Rect& rect, const Point& point) {
 
 } // namespace
 
-DesktopWindowServer::DesktopWindowServer(const RunLoop& runLoop)
+DesktopWindowServer::DesktopWindowServer(const RunLoop& runLoop, const Bundle& bundle)
     : clock(runLoop),
+      drawings(bundle),
       compositor(x,
                  [this] {
                      backdrop = compositor.backdrop();
@@ -44,6 +45,13 @@ std::optional<Screen> DesktopWindowServer::mainScreen() {
 
 void DesktopWindowServer::orderFront(Window& window) {
     monitors = monitorsOf(x);
+    if (contains(window.styleMask, Window::StyleMask::titled)) {
+        auto& frame = titled[&window];
+        if (!frame)
+            frame.reset(new TitledWindow(window, clock, drawings, monitorOf(window)));
+        frame->raise();
+        return;
+    }
     backdrop = compositor.backdrop();
     const auto place = shown.try_emplace(&window, x, window, gridFor(window).scale.width).first;
     requestFrame(place->second);
@@ -51,12 +59,21 @@ void DesktopWindowServer::orderFront(Window& window) {
 }
 
 void DesktopWindowServer::orderOut(Window& window) {
+    if (titled.erase(&window))
+        return;
     shown.erase(&window);
     stacking.setWatching(!shown.empty());
     scheduleFrame();
 }
 
+void DesktopWindowServer::makeKey(Window& window) {
+    if (const auto found = titled.find(&window); found != titled.end())
+        found->second->activateWindow();
+}
+
 void DesktopWindowServer::setNeedsDisplay(Window& window) {
+    if (const auto found = titled.find(&window); found != titled.end())
+        found->second->requestFrame();
     if (const auto found = shown.find(&window); found != shown.end())
         requestFrame(found->second);
 }
@@ -105,14 +122,20 @@ void DesktopWindowServer::drawFrame() {
     scheduleFrame();
 }
 
-PixelGrid DesktopWindowServer::gridFor(const Window& window) const {
+const Monitor* DesktopWindowServer::monitorOf(const Window& window) const {
     if (monitors.empty())
-        return {{1, 1}, {0, double(x.screen().height_in_pixels)}};
+        return nullptr;
     const auto frame = window.frame();
     const auto found = std::ranges::find_if(monitors, [&](const Monitor& monitor) {
         return contains(monitor.screen.frame, {frame.midX(), frame.midY()});
     });
-    return (found != monitors.end() ? *found : monitors.front()).grid;
+    return found != monitors.end() ? &*found : &monitors.front();
+}
+
+PixelGrid DesktopWindowServer::gridFor(const Window& window) const {
+    if (const auto* monitor = monitorOf(window))
+        return monitor->grid;
+    return {{1, 1}, {0, double(x.screen().height_in_pixels)}};
 }
 
 } // namespace platform::desktop

@@ -4,6 +4,8 @@
 #include "Platform/Desktop/GradientPicture.h"
 
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 
 #include <QPainter>
 #include <QPainterPath>
@@ -31,6 +33,23 @@ QColor tintOf(const VisualEffect& effect, Backdrop backdrop) {
                        : Color::calibrated(0.93, 0.93, 0.94, std::max(alpha, 0.9)));
 }
 
+// What it may reach in whatever direction it is turned.
+QRect extentOf(const Outline& outline, bool isTurned) {
+    if (!isTurned)
+        return outline.rect.toAlignedRect();
+    const double reach = std::hypot(outline.rect.width(), outline.rect.height()) / 2;
+    const auto middle = outline.rect.center();
+    return QRectF(middle.x() - reach, middle.y() - reach, 2 * reach, 2 * reach).toAlignedRect();
+}
+
+// Against the clock, by radians.
+void turn(QPainter& painter, const QPointF& middle, double angle) {
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.translate(middle);
+    painter.rotate(-angle * 180 / std::numbers::pi);
+    painter.translate(-middle);
+}
+
 } // namespace
 
 PixelGrid gridOf(const LayerState& layer, const PixelGrid& grid) {
@@ -56,20 +75,33 @@ void LayerPainter::paintLayer(const LayerPresentation& layer, const Canvas& canv
     opacity *= std::clamp(layer.opacity, 0.0, 1.0);
     const auto own = gridOf(layer, grid);
     const Outline outline(own.pixelsOf(layer.bounds()), layer.cornerRadius * own.scale.height);
-    if (opacity == 0 || (layer.sublayers.empty() && !outline.rect.toAlignedRect().intersects(canvas.area)))
+    const bool isTurned = layer.rotation != 0;
+    if (opacity == 0 || (layer.sublayers.empty() && !extentOf(outline, isTurned).intersects(canvas.area)))
         return;
     const std::size_t things = (layer.drawing.effect ? 1U : 0U) + layer.drawing.lines.size()
+                               + layer.drawing.symbols.size() + (layer.drawing.button ? 1U : 0U)
                                + layer.sublayers.size() + (layer.backgroundColor.alpha > 0 ? 1U : 0U)
                                + (layer.colors.empty() ? 0U : 1U) + (layer.borderWidth > 0 ? 1U : 0U);
-    if (layer.masksToBounds || layer.drawing.effect || (opacity < 1 && things > 1))
+    if (isTurned) {
+        canvas.painter.save();
+        turn(canvas.painter, outline.rect.center(), layer.rotation);
+    }
+    // Of what is turned, only a plain area is painted as sharp as what is not.
+    const bool isPlain = things == 1 && layer.backgroundColor.alpha > 0;
+    if (layer.masksToBounds || layer.drawing.effect || (opacity < 1 && things > 1) || (isTurned && !isPlain))
         paintGroup(layer, canvas, own, outline, opacity);
     else
         paintContent(layer, canvas, own, outline, opacity);
+    if (isTurned)
+        canvas.painter.restore();
 }
 
 void LayerPainter::paintGroup(const LayerPresentation& layer, const Canvas& canvas, const PixelGrid& grid,
                               const Outline& outline, double opacity) {
-    const auto area = layer.masksToBounds ? outline.rect.toAlignedRect() & canvas.area : canvas.area;
+    const auto bounds = outline.rect.toAlignedRect();
+    const auto area = layer.rotation != 0   ? bounds.adjusted(-1, -1, 1, 1)
+                      : layer.masksToBounds ? bounds & canvas.area
+                                            : canvas.area;
     if (area.isEmpty())
         return;
     if (groupsInUse == groups.size())
@@ -82,7 +114,7 @@ void LayerPainter::paintGroup(const LayerPresentation& layer, const Canvas& canv
     QPainter painter(&group);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(-area.topLeft());
-    const auto mask = layer.masksToBounds ? std::optional(outline) : std::nullopt;
+    const auto mask = layer.masksToBounds || layer.rotation != 0 ? std::optional(outline) : std::nullopt;
     paintContent(layer, {group, painter, area, mask}, grid, outline, 1);
     painter.end();
     if (mask)
@@ -109,6 +141,12 @@ void LayerPainter::paintContent(const LayerPresentation& layer, const Canvas& ca
         painter.setOpacity(1);
         painter.drawImage(area.topLeft(), picture);
         painter.setOpacity(opacity);
+    }
+    if (controls) {
+        for (const auto& symbol : layer.drawing.symbols)
+            controls->paint(painter, symbol, grid.pixelsOf(symbol.place));
+        if (layer.drawing.button)
+            controls->paint(painter, *layer.drawing.button, outline.rect, letterScale);
     }
     for (const auto& line : layer.drawing.lines)
         texts.paint(painter, line, grid, letterScale);

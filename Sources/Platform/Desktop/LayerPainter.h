@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Desktop/Compositor.h"
+#include "Platform/Desktop/ControlPainter.h"
 #include "Platform/Desktop/Outline.h"
 #include "Platform/Desktop/TextPainter.h"
 #include "Platform/Kit/LayerPresentation.h"
@@ -13,6 +14,9 @@ namespace platform::desktop {
 // Paints layers. Main thread.
 class LayerPainter {
 public:
+    // Without one it paints no symbols and no buttons. Not owned.
+    explicit LayerPainter(ControlPainter* painter = nullptr) : controls(painter) {}
+
     // The layer and all below it onto the picture, whose first pixel is at `corner`. The grid is that of what
     // holds the layer; letters are made for `scale`.
     void paint(const LayerPresentation& layer, QImage& picture, const QPoint& corner, const PixelGrid& grid,
@@ -35,6 +39,7 @@ private:
                       const Outline& outline, double opacity);
     void paintEffect(const VisualEffect& effect, const Canvas& canvas, const Outline& outline) const;
 
+    ControlPainter* const controls;
     TextPainter texts;
     double letterScale = 1;
     Backdrop backdrop = Backdrop::none;

@@ -33,12 +33,27 @@ QList<QTextLayout::FormatRange> formatsFor(const QString& line) {
     return formats;
 }
 
+QFont::Weight weightOf(FontWeight weight) {
+    switch (weight) {
+    case FontWeight::medium:
+        return QFont::Medium;
+    case FontWeight::semibold:
+        return QFont::DemiBold;
+    case FontWeight::regular:
+        break;
+    }
+    return QFont::Normal;
+}
+
+// Wider than any line.
+constexpr double unlimited = 1e6;
+
 } // namespace
 
 QFont fontFor(const Font& font) {
     auto face = QGuiApplication::font();
     face.setPixelSize(qRound(font.size));
-    face.setWeight(font.weight == FontWeight::medium ? QFont::Medium : QFont::Normal);
+    face.setWeight(weightOf(font.weight));
     // Letters keep their shapes and distances at any scale, and their edges clear of colours on glass.
     face.setHintingPreference(QFont::PreferNoHinting);
     face.setStyleStrategy(
@@ -46,20 +61,34 @@ QFont fontFor(const Font& font) {
     return face;
 }
 
-SetText::SetText(std::string_view text, const Font& font) {
+SetText::SetText(std::string_view text, const Font& font)
+    : SetText(text, font, unlimited, QTextOption::NoWrap, Qt::AlignLeft) {}
+
+SetText SetText::wrapped(std::string_view text, const Font& font, double width, TextAlignment alignment) {
+    return {text, font, width, QTextOption::WordWrap,
+            alignment == TextAlignment::center ? Qt::AlignHCenter : Qt::AlignLeft};
+}
+
+SetText::SetText(std::string_view text, const Font& font, double lineWidth, QTextOption::WrapMode wrapMode,
+                 Qt::Alignment alignment)
+    : width(lineWidth) {
     const auto line = singleLine(text);
     layout = std::make_unique<QTextLayout>(line, fontFor(font));
     layout->setFormats(formatsFor(line));
     // From its left end, also where it is read from the right.
-    QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
+    QTextOption option(alignment | Qt::AlignAbsolute);
     option.setTextDirection(line.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-    option.setWrapMode(QTextOption::NoWrap);
+    option.setWrapMode(wrapMode);
     option.setUseDesignMetrics(true);
     layout->setTextOption(option);
     layout->beginLayout();
     // An empty text has no line.
-    if (auto only = layout->createLine(); only.isValid())
-        only.setLineWidth(1e6);
+    double top = 0;
+    for (auto next = layout->createLine(); next.isValid(); next = layout->createLine()) {
+        next.setLineWidth(width);
+        next.setPosition({0, top});
+        top += QFontMetricsF(layout->font()).height();
+    }
     layout->endLayout();
 }
 
@@ -87,8 +116,10 @@ SetText SetText::truncated(std::string_view text, const Font& font, double width
 }
 
 Size SetText::size() const {
-    const double advance = layout->lineCount() ? layout->lineAt(0).horizontalAdvance() : 0;
-    return {advance, QFontMetricsF(layout->font()).height()};
+    const double lineHeight = QFontMetricsF(layout->font()).height();
+    if (width < unlimited)
+        return {width, layout->lineCount() * lineHeight};
+    return {layout->lineCount() ? layout->lineAt(0).horizontalAdvance() : 0, lineHeight};
 }
 
 double SetText::ascent() const {

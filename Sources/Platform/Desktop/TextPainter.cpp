@@ -17,8 +17,20 @@ constexpr double longest = 8192;
 
 bool looksAlike(const TextLine& one, const TextLine& other) {
     return one.text == other.text && one.font == other.font && one.color == other.color
-           && one.lineBreakMode == other.lineBreakMode
+           && one.lineBreakMode == other.lineBreakMode && one.alignment == other.alignment
            && (one.lineBreakMode == LineBreakMode::clipping || one.place.width == other.place.width);
+}
+
+SetText textOf(const TextLine& line) {
+    switch (line.lineBreakMode) {
+    case LineBreakMode::truncatingTail:
+        return SetText::truncated(line.text, line.font, line.place.width);
+    case LineBreakMode::wordWrapping:
+        return SetText::wrapped(line.text, line.font, line.place.width, line.alignment);
+    case LineBreakMode::clipping:
+        break;
+    }
+    return {line.text, line.font};
 }
 
 // Pixels around the line, for accents and letters that reach out of it.
@@ -59,9 +71,7 @@ const TextPainter::Picture& TextPainter::pictureOf(const TextLine& line, double 
         pictures.splice(pictures.begin(), pictures, known);
         return pictures.front();
     }
-    const auto text = line.lineBreakMode == LineBreakMode::truncatingTail
-                          ? SetText::truncated(line.text, line.font, line.place.width)
-                          : SetText(line.text, line.font);
+    const auto text = textOf(line);
     const auto size = text.size();
     const int margin = marginOf(line.font, scale);
     QImage image(static_cast<int>(std::ceil(std::min(size.width * scale, longest))) + 2 * margin,

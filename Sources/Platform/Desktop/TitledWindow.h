@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Platform/Desktop/LayerPainter.h"
+#include "Platform/Desktop/Monitors.h"
+#include "Platform/Desktop/NativeControls.h"
+#include "Platform/Foundation/RunLoop.h"
+#include "Platform/Kit/Window.h"
+
+#include <QTimer>
+#include <QWidget>
+
+namespace platform::desktop {
+
+// A window in the window manager's frame, on the display for as long as it lives. A frame is drawn when
+// something has changed and while something moves. Main thread.
+class TitledWindow : public QWidget {
+public:
+    TitledWindow(Window& window, const RunLoop& clock, const Bundle& bundle, const Monitor* monitor);
+
+    // At the next opportunity.
+    void requestFrame(Duration notBefore = {});
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void prepareFrame();
+
+    Window& model;
+    const RunLoop& time;
+    NativeControls controls;
+    LayerPainter layers{&controls};
+    QTimer timer;
+    Duration lastFrame{};
+    std::optional<Duration> due;
+};
+
+} // namespace platform::desktop
