@@ -33,15 +33,6 @@ QColor tintOf(const VisualEffect& effect, Backdrop backdrop) {
                        : Color::calibrated(0.93, 0.93, 0.94, std::max(alpha, 0.9)));
 }
 
-// What it may reach in whatever direction it is turned.
-QRect extentOf(const Outline& outline, bool isTurned) {
-    if (!isTurned)
-        return outline.rect.toAlignedRect();
-    const double reach = std::hypot(outline.rect.width(), outline.rect.height()) / 2;
-    const auto middle = outline.rect.center();
-    return QRectF(middle.x() - reach, middle.y() - reach, 2 * reach, 2 * reach).toAlignedRect();
-}
-
 // Against the clock, by radians.
 void turn(QPainter& painter, const QPointF& middle, double angle) {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
@@ -51,6 +42,14 @@ void turn(QPainter& painter, const QPointF& middle, double angle) {
 }
 
 } // namespace
+
+QRect extentOf(const Outline& outline, bool isTurned) {
+    if (!isTurned)
+        return outline.rect.toAlignedRect();
+    const double reach = std::hypot(outline.rect.width(), outline.rect.height()) / 2;
+    const auto middle = outline.rect.center();
+    return QRectF(middle.x() - reach, middle.y() - reach, 2 * reach, 2 * reach).toAlignedRect();
+}
 
 PixelGrid gridOf(const LayerState& layer, const PixelGrid& grid) {
     const auto& [scale, translation] = layer.transform;

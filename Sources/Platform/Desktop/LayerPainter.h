@@ -48,6 +48,9 @@ private:
     std::size_t groupsInUse = 0;
 };
 
+// The pixels that a layer with that outline may cover, whichever way it is turned if it is.
+QRect extentOf(const Outline& outline, bool isTurned);
+
 // Where a layer lies in the grid of what holds it.
 PixelGrid gridOf(const LayerState& layer, const PixelGrid& grid);
 

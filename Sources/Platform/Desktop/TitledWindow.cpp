@@ -1,8 +1,10 @@
 #include "Platform/Desktop/TitledWindow.h"
 
 #include "Platform/Desktop/ColorOf.h"
+#include "Platform/Desktop/LayerChanges.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -14,9 +16,11 @@ namespace {
 
 constexpr Duration frameTime = std::chrono::duration_cast<Duration>(std::chrono::duration<double>(1.0 / 60));
 
+// A window that keeps its size is a dialog to window managers, which put no more into its frame than it
+// needs.
 Qt::WindowFlags flagsFor(Window::StyleMask style) {
     const Qt::WindowFlags flags =
-        Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+        Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
     return contains(style, Window::StyleMask::closable) ? flags | Qt::WindowCloseButtonHint : flags;
 }
 
@@ -41,6 +45,7 @@ TitledWindow::TitledWindow(Window& window, const RunLoop& clock, const Bundle& b
     timer.setTimerType(Qt::PreciseTimer);
     connect(&timer, &QTimer::timeout, this, [this] { prepareFrame(); });
     controls.adapt(*model.contentView());
+    shown = model.presentation(time.now());
     show();
 }
 
@@ -52,29 +57,44 @@ void TitledWindow::requestFrame(Duration notBefore) {
     timer.start(std::chrono::ceil<std::chrono::milliseconds>(next - time.now()));
 }
 
+PixelGrid TitledWindow::grid() const {
+    const double scale = devicePixelRatioF();
+    return {{scale, scale}, {0, height() * scale}};
+}
+
 // Widgets may not come and go while they are painted.
 void TitledWindow::prepareFrame() {
     due.reset();
-    // One that cannot be seen is painted when it is shown again.
-    if (!windowHandle() || !windowHandle()->isExposed())
+    isBehind = !windowHandle() || !windowHandle()->isExposed();
+    if (isBehind)
         return;
-    controls.adapt(*model.contentView());
-    update();
-}
-
-void TitledWindow::paintEvent(QPaintEvent*) {
     lastFrame = time.now();
-    const auto shown = model.presentation(lastFrame);
+    controls.adapt(*model.contentView());
+    const auto before = std::exchange(shown, model.presentation(lastFrame));
     const double scale = devicePixelRatioF();
-    QImage picture((QSizeF(size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
-    picture.fill(colorOf(shown.backgroundColor));
-    const PixelGrid grid{{scale, scale}, {0, height() * scale}};
-    for (const auto& layer : shown.sublayers)
-        layers.paint(layer, picture, {0, 0}, grid, scale, Backdrop::none);
-    picture.setDevicePixelRatio(scale);
-    QPainter(this).drawImage(0, 0, picture);
+    QRectF area;
+    if (before.backgroundColor != shown.backgroundColor)
+        area = QRectF(QPointF(), QSizeF(size()) * scale);
+    else if (!before.sublayers.empty())
+        area = changedArea(before.sublayers.front(), shown.sublayers.front(), grid());
+    update(QRectF(area.topLeft() / scale, area.size() / scale).toAlignedRect());
     if (const auto next = model.nextChange(lastFrame))
         requestFrame(*next);
+}
+
+// Also for a button that the pointer has come over, whose look is the widget's.
+void TitledWindow::paintEvent(QPaintEvent* event) {
+    const double scale = devicePixelRatioF();
+    const QRectF dirty = event->rect();
+    const auto area = QRectF(dirty.topLeft() * scale, dirty.size() * scale).toAlignedRect();
+    QImage picture(area.size(), QImage::Format_ARGB32_Premultiplied);
+    picture.fill(colorOf(shown.backgroundColor));
+    for (const auto& layer : shown.sublayers)
+        layers.paint(layer, picture, area.topLeft(), grid(), scale, Backdrop::none);
+    picture.setDevicePixelRatio(scale);
+    QPainter(this).drawImage(QPointF(area.topLeft()) / scale, picture);
+    if (isBehind)
+        requestFrame();
 }
 
 void TitledWindow::keyPressEvent(QKeyEvent* event) {

@@ -27,6 +27,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    PixelGrid grid() const;
     void prepareFrame();
 
     Window& model;
@@ -34,6 +35,9 @@ private:
     NativeControls controls;
     LayerPainter layers{&controls};
     QTimer timer;
+    LayerPresentation shown;
+    // What has changed while the window could not be seen comes when it can.
+    bool isBehind = false;
     Duration lastFrame{};
     std::optional<Duration> due;
 };

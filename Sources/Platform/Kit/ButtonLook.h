@@ -25,6 +25,8 @@ struct ButtonLook {
     Color tint = Color::system(SystemColor::label);
     // Tells one button from another; not to be followed.
     const Button* button = nullptr;
+
+    bool operator==(const ButtonLook&) const = default;
 };
 
 } // namespace platform

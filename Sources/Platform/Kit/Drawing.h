@@ -25,6 +25,8 @@ struct TextLine {
     Rect place;
     TextAlignment alignment = TextAlignment::left;
     LineBreakMode lineBreakMode = LineBreakMode::clipping;
+
+    bool operator==(const TextLine&) const = default;
 };
 
 // A symbol in one colour, as large as its place.
@@ -32,6 +34,8 @@ struct SymbolPicture {
     std::string name;
     Color color;
     Rect place;
+
+    bool operator==(const SymbolPicture&) const = default;
 };
 
 // What a view draws into its layer, for the host to paint. Value.
@@ -41,6 +45,8 @@ struct Drawing {
     // As large as the bounds.
     std::optional<ButtonLook> button;
     std::vector<TextLine> lines;
+
+    bool operator==(const Drawing&) const = default;
 };
 
 } // namespace platform

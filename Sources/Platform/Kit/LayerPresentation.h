@@ -32,6 +32,8 @@ struct LayerState {
         return {position.x - size.width / 2, position.y - size.height / 2, size.width, size.height};
     }
     Rect bounds() const { return {0, 0, size.width, size.height}; }
+
+    bool operator==(const LayerState&) const = default;
 };
 
 // A layer and all below it as they are shown at one time: a value that owes nothing to the layers it came

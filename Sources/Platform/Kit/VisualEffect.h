@@ -12,6 +12,8 @@ struct VisualEffect {
     Material material = Material::windowBackground;
     BlendingMode blendingMode = BlendingMode::behindWindow;
     State state = State::followsWindowActiveState;
+
+    bool operator==(const VisualEffect&) const = default;
 };
 
 } // namespace platform

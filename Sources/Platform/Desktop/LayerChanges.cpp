@@ -1,0 +1,45 @@
+#include "Platform/Desktop/LayerChanges.h"
+
+#include "Platform/Desktop/LayerPainter.h"
+
+namespace platform::desktop {
+namespace {
+
+// Farther than any window reaches.
+constexpr double beyond = 1e5;
+
+// A line may be wider than its place, and accents and tails reach out of it above and below.
+QRectF reachOf(const TextLine& line, const PixelGrid& grid) {
+    const auto place = grid.pixelsOf(line.place);
+    const double overhang = line.font.size / 2 * grid.scale.height;
+    return place.adjusted(-beyond, -overhang, beyond, overhang);
+}
+
+QRectF reachOf(const LayerPresentation& layer, const PixelGrid& grid) {
+    const auto own = gridOf(layer, grid);
+    const Outline outline(own.pixelsOf(layer.bounds()), 0);
+    QRectF reach = extentOf(outline, layer.rotation != 0);
+    if (layer.masksToBounds || layer.rotation != 0)
+        return reach;
+    for (const auto& line : layer.drawing.lines)
+        reach |= reachOf(line, own);
+    for (const auto& sublayer : layer.sublayers)
+        reach |= reachOf(sublayer, own);
+    return reach;
+}
+
+} // namespace
+
+QRectF changedArea(const LayerPresentation& before, const LayerPresentation& after, const PixelGrid& grid) {
+    const LayerState& state = after;
+    if (before != state || before.drawing != after.drawing
+        || before.sublayers.size() != after.sublayers.size())
+        return reachOf(before, grid) | reachOf(after, grid);
+    const auto own = gridOf(after, grid);
+    QRectF area;
+    for (std::size_t index = 0; index < after.sublayers.size(); ++index)
+        area |= changedArea(before.sublayers[index], after.sublayers[index], own);
+    return area;
+}
+
+} // namespace platform::desktop
