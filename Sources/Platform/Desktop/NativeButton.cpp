@@ -13,6 +13,8 @@ namespace platform::desktop {
 
 NativeButton::NativeButton(const std::shared_ptr<Button>& button, QWidget& window)
     : QPushButton(QString::fromStdString(button->title()).replace('&', "&&"), &window), model(button) {
+    // What Return presses is for the window to say.
+    setAutoDefault(false);
     connect(this, &QPushButton::clicked, this, [this] {
         if (const auto pressed = model.lock())
             pressed->performClick();

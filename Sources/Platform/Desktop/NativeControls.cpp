@@ -68,8 +68,6 @@ void NativeControls::adaptButtons(const View& content) {
 void NativeControls::adaptTexts(const View& content) {
     std::size_t count = 0;
     content.forEach<TextField>([&](const std::shared_ptr<TextField>& field) {
-        if (field->stringValue().empty())
-            return;
         if (count == texts.size())
             texts.push_back(new UnseenLabel(widget));
         auto& text = *texts[count++];

@@ -33,7 +33,7 @@ QPoint placeOn(const Monitor& monitor, const Rect& frame) {
 } // namespace
 
 TitledWindow::TitledWindow(Window& window, const RunLoop& clock, const Bundle& bundle, const Monitor* monitor)
-    : QWidget(nullptr, flagsFor(window.styleMask)), model(window), time(clock), controls(*this, bundle) {
+    : QDialog(nullptr, flagsFor(window.styleMask)), model(window), time(clock), controls(*this, bundle) {
     setWindowTitle(QString::fromStdString(window.title));
     const auto frame = window.frame();
     setFixedSize(QSizeF(frame.width, frame.height).toSize());
@@ -110,7 +110,7 @@ void TitledWindow::closeEvent(QCloseEvent*) {
 void TitledWindow::changeEvent(QEvent* event) {
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
         requestFrame();
-    QWidget::changeEvent(event);
+    QDialog::changeEvent(event);
 }
 
 } // namespace platform::desktop

@@ -6,14 +6,14 @@
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Kit/Window.h"
 
+#include <QDialog>
 #include <QTimer>
-#include <QWidget>
 
 namespace platform::desktop {
 
 // A window in the window manager's frame, on the display for as long as it lives. A frame is drawn when
 // something has changed and while something moves. Main thread.
-class TitledWindow : public QWidget {
+class TitledWindow : public QDialog {
 public:
     TitledWindow(Window& window, const RunLoop& clock, const Bundle& bundle, const Monitor* monitor);
 
