@@ -1,12 +1,9 @@
 #include "Desktop/KeyboardDisplay.h"
 #include "Desktop/Windows.h"
-#include "Platform/Desktop/DesktopWindowServer.h"
-#include "Platform/Desktop/QtRunLoop.h"
-#include "Platform/Headless/HeadlessHost.h"
+#include "Desktop/WindowsHost.h"
 #include "Platform/Kit/Panel.h"
 #include "Platform/Kit/Transaction.h"
 #include "Platform/Kit/VisualEffectView.h"
-#include "Support/TemporaryFolder.h"
 
 #include <QGuiApplication>
 #include <gtest/gtest.h>
@@ -17,22 +14,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using tests::DisplayProcess;
-
-// A machine in memory, but for its windows and its clock.
-class WindowsHost : public headless::HeadlessHost {
-public:
-    WindowsHost() : HeadlessHost(folder.path(), folder.path()) { setCurrent(this); }
-
-    WindowServer& windowServer() override { return server; }
-    RunLoop& mainRunLoop() override { return loop; }
-
-    DesktopWindowServer& desktop() { return server; }
-
-private:
-    static inline const tests::TemporaryFolder folder;
-    QtRunLoop loop;
-    DesktopWindowServer server{loop, mainBundle()};
-};
 
 // Counts what the server was asked to draw.
 class CountingView : public VisualEffectView {

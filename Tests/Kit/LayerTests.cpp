@@ -134,6 +134,24 @@ TEST_F(LayerTest, AnAnimationEndsAfterItsRepetitionsAndIsForgottenThen) {
     EXPECT_EQ(layer->animationKeys(), std::vector<std::string>{"kept"});
 }
 
+TEST_F(LayerTest, AnAnimationBeginsWhenItIsToldAndStaysAtItsEndIfItFills) {
+    const Animation later{.keyPath = "transform.rotation.z",
+                          .duration = 200ms,
+                          .beginTime = now() + 100ms,
+                          .isRemovedOnCompletion = false,
+                          .fillMode = FillMode::forwards};
+    layer->setRotation(9);
+    layer->addAnimation(BasicAnimation{later, 2.0, 4.0}, "turn");
+    for (const auto& [after, angle] :
+         {std::pair{99ms, 9.0}, {100ms, 2.0}, {200ms, 3.0}, {300ms, 4.0}, {5s, 4.0}})
+        EXPECT_DOUBLE_EQ(shownIn(after).rotation, angle) << after.count();
+    EXPECT_EQ(layer->nextChange(now()), now() + 100ms);
+    EXPECT_TRUE(isMovingIn(250ms));
+    EXPECT_FALSE(isMovingIn(300ms));
+    layer->removeAnimation("turn");
+    EXPECT_EQ(shownIn(5s).rotation, 9);
+}
+
 TEST_F(LayerTest, KeyframesGoStraightFromOneToTheNext) {
     const KeyframeAnimation shake{{.keyPath = "transform.translation.x", .duration = 300ms},
                                   {0.0, -2.0, 2.0, -1.5, 1.5, 0.0},

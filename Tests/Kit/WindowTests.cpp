@@ -1,4 +1,5 @@
 #include "Platform/Kit/AnimationContext.h"
+#include "Platform/Kit/Button.h"
 #include "Platform/Kit/GradientLayer.h"
 #include "Platform/Kit/Panel.h"
 #include "Platform/Kit/TextField.h"
@@ -184,4 +185,54 @@ TEST_F(WindowTest, NeedsDisplayAtWhateverChangesWhileItIsShown) {
     panel->orderOut();
     panel->setAlphaValue(1);
     EXPECT_TRUE(host.windows.needingDisplay.empty());
+}
+
+TEST_F(WindowTest, AKeyPressesTheButtonThatStandsForItIfItCanBePressed) {
+    std::string pressed;
+    const auto add = [&](const std::string& title, const std::string& key) {
+        auto button = std::make_shared<Button>(title, [&](Button& one) { pressed += one.title(); });
+        button->setKeyEquivalent(key);
+        auto page = std::make_shared<View>();
+        page->addSubview(button);
+        panel->contentView()->addSubview(page);
+        return button;
+    };
+    const auto press = [&] {
+        pressed.clear();
+        return panel->performKeyEquivalent("\r") ? pressed : "nothing";
+    };
+    EXPECT_EQ(press(), "nothing");
+    auto first = add("first", "\r");
+    add("second", "");
+    add("third", "\r");
+    EXPECT_EQ(press(), "first");
+    first->setEnabled(false);
+    EXPECT_EQ(press(), "third");
+    first->setEnabled(true);
+    // A page that fades away is done with.
+    first->superview()->animator().setAlphaValue(0);
+    EXPECT_EQ(press(), "third");
+    first->setEnabled(false);
+    first->performClick();
+    EXPECT_EQ(pressed, "third");
+}
+
+TEST_F(WindowTest, ColoursAreTheThemesAsTheyAreWhenItIsDrawn) {
+    auto label = TextField::labelWithString<TextField>("plain");
+    panel->contentView()->addSubview(label);
+    panel->setBackgroundColor(Color::system(SystemColor::windowBackground));
+    label->setAttributedStringValue(
+        {{"", Font::systemFont(10), Color::system(SystemColor::green), Symbol{"check", ""}},
+         {"text", Font::systemFont(14), Color::system(SystemColor::label)}});
+    label->setFrame({0, 0, 56, 40});
+    const auto shown = shownIn(0ms);
+    EXPECT_EQ(shown.backgroundColor, host.windows.color(SystemColor::windowBackground));
+    const auto drawing = shown.sublayers.at(0).sublayers.at(0).drawing;
+    EXPECT_EQ(drawing.symbols.at(0).color, host.windows.color(SystemColor::green));
+    EXPECT_EQ(drawing.symbols.at(0).place, (Rect{2, 28, 12, 12}));
+    EXPECT_EQ(drawing.lines.at(0).color, host.windows.color(SystemColor::label));
+    EXPECT_EQ(drawing.lines.at(0).place.x, 14);
+    EXPECT_EQ(label->stringValue(), "text");
+    label->setStringValue("plain");
+    EXPECT_EQ(shownIn(0ms).sublayers.at(0).sublayers.at(0).drawing.lines.at(0).text, "plain");
 }

@@ -8,11 +8,11 @@ namespace {
 // Farther than any window reaches.
 constexpr double beyond = 1e5;
 
-// A line may be wider than its place, and accents and tails reach out of it above and below.
+// A text may be wider and higher than its place, at whose top it begins; accents reach out of it.
 QRectF reachOf(const TextLine& line, const PixelGrid& grid) {
-    const auto place = grid.pixelsOf(line.place);
-    const double overhang = line.font.size / 2 * grid.scale.height;
-    return place.adjusted(-beyond, -overhang, beyond, overhang);
+    const double letters = line.font.size * grid.scale.height;
+    const double below = line.lineBreakMode == LineBreakMode::wordWrapping ? beyond : 2 * letters;
+    return grid.pixelsOf(line.place).adjusted(-beyond, -letters / 2, beyond, below);
 }
 
 QRectF reachOf(const LayerPresentation& layer, const PixelGrid& grid) {
@@ -39,7 +39,8 @@ QRectF changedArea(const LayerPresentation& before, const LayerPresentation& aft
     QRectF area;
     for (std::size_t index = 0; index < after.sublayers.size(); ++index)
         area |= changedArea(before.sublayers[index], after.sublayers[index], own);
-    return area;
+    // What is in it is turned with it.
+    return area.isNull() || after.rotation == 0 ? area : reachOf(after, grid);
 }
 
 } // namespace platform::desktop

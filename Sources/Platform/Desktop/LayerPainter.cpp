@@ -46,7 +46,8 @@ void turn(QPainter& painter, const QPointF& middle, double angle) {
 QRect extentOf(const Outline& outline, bool isTurned) {
     if (!isTurned)
         return outline.rect.toAlignedRect();
-    const double reach = std::hypot(outline.rect.width(), outline.rect.height()) / 2;
+    // Its edges are smoothed by a pixel more.
+    const double reach = std::hypot(outline.rect.width(), outline.rect.height()) / 2 + 1;
     const auto middle = outline.rect.center();
     return QRectF(middle.x() - reach, middle.y() - reach, 2 * reach, 2 * reach).toAlignedRect();
 }

@@ -9,7 +9,6 @@ class ImageView : public View {
 public:
     explicit ImageView(Symbol symbol) : shown(std::move(symbol)) {}
 
-    const Symbol& symbol() const { return shown; }
     void setContentTintColor(const Color& color) {
         tint = color;
         setNeedsDisplay();

@@ -11,7 +11,6 @@ constexpr int spokes = 8;
 constexpr Duration turn = std::chrono::milliseconds(960);
 constexpr double brightest = 0.85;
 constexpr double faintest = 0.2;
-constexpr const char* spinning = "spinning";
 
 // How bright a spoke is so many steps after its turn came.
 double brightness(int steps) {
@@ -50,13 +49,8 @@ void ProgressIndicator::startAnimation() {
             steps.values.insert(steps.values.end(), {shown, shown});
             steps.keyTimes.insert(steps.keyTimes.end(), {double(step) / spokes, double(step + 1) / spokes});
         }
-        layer()->sublayers().at(static_cast<std::size_t>(index))->addAnimation(steps, spinning);
+        layer()->sublayers().at(static_cast<std::size_t>(index))->addAnimation(steps, "spinning");
     }
-}
-
-void ProgressIndicator::stopAnimation() {
-    for (const auto& spoke : layer()->sublayers())
-        spoke->removeAnimation(spinning);
 }
 
 } // namespace platform

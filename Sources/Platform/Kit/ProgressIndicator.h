@@ -4,14 +4,12 @@
 
 namespace platform {
 
-// A view that tells by a small turning wheel that something is under way for as long as it is started. Main
-// thread.
+// A small wheel that turns, once it is started, to tell that something is under way. Main thread.
 class ProgressIndicator : public View {
 public:
     explicit ProgressIndicator(const Rect& frame);
 
     void startAnimation();
-    void stopAnimation();
 };
 
 } // namespace platform

@@ -20,14 +20,6 @@ public:
         return label;
     }
 
-    // The same in as many lines as its width asks for.
-    template <typename Field>
-    static std::shared_ptr<Field> wrappingLabelWithString(std::string text) {
-        auto label = labelWithString<Field>(std::move(text));
-        label->setLineBreakMode(LineBreakMode::wordWrapping);
-        return label;
-    }
-
     const TextFieldCell& cell() const { return *content; }
 
     const std::string& stringValue() const { return content->stringValue; }
