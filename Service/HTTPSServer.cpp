@@ -131,10 +131,11 @@ bool HTTPSServer::serveRequest(TLSStream& stream, Connections::Place& place, boo
         forgetSpecialWishes(request);
         stream.allow(bodyBytes, bodyTime);
     });
-    const bool taken = stream.flush();
-    exchange.kept.reset();
+    // Before the end of the answer leaves, so that whoever has it finds it counted.
     if (exchange.status != 0)
         ended(exchange);
+    const bool taken = stream.flush();
+    exchange.kept.reset();
     if (!served || !understood || exchange.hasUnreadBody || stream.isExhausted()) {
         place.awaitsClient();
         stream.drain();

@@ -15,7 +15,7 @@ namespace lumarin::service {
 // of a request, its headers included, and on connections.
 class HTTPSServer final : public httplib::Server {
 public:
-    // Called on the connection's thread when a request has been answered, as far as it was.
+    // Called on the connection's thread when an answer is complete, or as far as it got.
     using Ended = std::function<void(const Exchange&)>;
 
     HTTPSServer(CertificateKeeper& identity, std::size_t places, std::chrono::seconds timeForRequest,
