@@ -1,8 +1,8 @@
 #include "Service/Settings.h"
 
-#include "Platform/Foundation/CurlAddress.h"
 #include "Platform/Foundation/FileManager.h"
 #include "Platform/Foundation/HTTPSession.h"
+#include "Platform/Network/CurlAddress.h"
 
 #include <algorithm>
 #include <array>

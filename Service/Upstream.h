@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Foundation/TrustedCertificates.h"
+#include "Platform/Network/TrustedCertificates.h"
 #include "Service/TranslationEngine.h"
 #include "Service/UpstreamConnections.h"
 

@@ -1,6 +1,6 @@
 #include "Service/UpstreamTransfer.h"
 
-#include "Platform/Foundation/CurlErrors.h"
+#include "Platform/Network/CurlErrors.h"
 #include "Service/UpstreamRefusals.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Foundation/CurlAddress.h"
+#include "Platform/Network/CurlAddress.h"
 #include "Service/ChatStream.h"
 #include "Service/ClientWatch.h"
 #include "Service/TranslationEngine.h"

@@ -9,7 +9,8 @@ namespace tests {
 std::string installProgram(const TemporaryFolder& folder, const ServiceDouble& service) {
     const auto program = folder / "installed";
     std::filesystem::create_directories(program);
-    std::filesystem::copy_file(LUMARIN_PROGRAM, program / "Lumarin");
+    for (const std::filesystem::path file : {LUMARIN_PROGRAM, LUMARIN_NETWORK})
+        std::filesystem::copy_file(file, program / file.filename());
     std::filesystem::copy(LUMARIN_RESOURCES, program / "Resources", std::filesystem::copy_options::recursive);
     auto info = nlohmann::json::parse(bytesOf(program / "Resources" / "Info.json"));
     info["LumarinServiceURL"] = service.url();

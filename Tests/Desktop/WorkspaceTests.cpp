@@ -29,6 +29,7 @@ TEST(Workspace, NamesTheFrontApplicationAndBringsItBack) {
     writeFile(folder.path() / "applications/something.desktop",
               "[Desktop Entry]\nName=Paint Box\nStartupWMClass=PAINT\n");
     DesktopWorkspace workspace(x, ApplicationNames({"/nowhere", folder.path()}, {"fr", "zh_CN", "zh"}));
+    workspace.readNames();
 
     auto isInFront = [&](const TestApplication& application, const char* name) {
         return comesTrue([&] {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Foundation/CurlSession.h"
 #include "Platform/Foundation/ThreadRunLoop.h"
+#include "Platform/Network/CurlSession.h"
 #include "Support/HTTP2Front.h"
 #include "Support/TLSServer.h"
 #include "Support/TemporaryFolder.h"

@@ -25,12 +25,12 @@ bool isCalledAfter(const WindowClass& windowClass, const std::string& fileName) 
 
 } // namespace
 
-ApplicationNames::ApplicationNames(std::vector<std::filesystem::path> folders,
-                                   std::vector<std::string> locales)
-    : applications(std::async(std::launch::async, read, std::move(folders), std::move(locales))) {}
+void ApplicationNames::read() {
+    applications = std::async(std::launch::async, applicationsIn, folders, locales);
+}
 
 std::optional<std::string> ApplicationNames::nameOf(const WindowClass& windowClass) const {
-    if (applications.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+    if (!applications.valid() || applications.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
         return std::nullopt;
     const auto& known = applications.get();
     auto found = std::ranges::find_if(
@@ -42,8 +42,8 @@ std::optional<std::string> ApplicationNames::nameOf(const WindowClass& windowCla
 }
 
 std::vector<ApplicationNames::Application>
-ApplicationNames::read(const std::vector<std::filesystem::path>& folders,
-                       const std::vector<std::string>& locales) {
+ApplicationNames::applicationsIn(const std::vector<std::filesystem::path>& folders,
+                                 const std::vector<std::string>& locales) {
     std::vector<Application> result;
     for (const auto& folder : folders) {
         std::error_code error;

@@ -2,10 +2,10 @@
 
 #include "Platform/Desktop/DesktopWindowServer.h"
 #include "Platform/Desktop/KeyboardNoticeFilter.h"
+#include "Platform/Desktop/LoadedHTTPSession.h"
 #include "Platform/Desktop/MachineFacts.h"
 #include "Platform/Desktop/SessionFacts.h"
 #include "Platform/Desktop/TrustObstacle.h"
-#include "Platform/Foundation/CurlSession.h"
 
 #include <atomic>
 #include <cstdio>
@@ -16,6 +16,10 @@
 namespace platform::desktop {
 
 namespace {
+
+// The background waits so long: in that time the program is launched and the panel asks for its icon, which
+// would have to share the processors.
+constexpr auto launchTime = std::chrono::milliseconds(50);
 
 // The connection that tells whether the display is there, for Qt's messages, which come without a context.
 constinit std::atomic<const XConnection*> watchedDisplay = nullptr;
@@ -43,8 +47,7 @@ std::filesystem::path placeOfCertificate(const std::filesystem::path& name, cons
 } // namespace
 
 DesktopHost::DesktopHost(int& argumentCount, char** arguments)
-    : networkPreparation(std::async(std::launch::async, CurlSession::prepare)),
-      qt(std::make_unique<QApplication>(argumentCount, arguments)),
+    : qt(std::make_unique<QApplication>(argumentCount, arguments)),
       keyboardNotices(std::make_unique<KeyboardNoticeFilter>(display)),
       runLoop(std::make_unique<QtRunLoop>()),
       folders(sessionDirectories()),
@@ -69,12 +72,22 @@ DesktopHost::DesktopHost(int& argumentCount, char** arguments)
 DesktopHost::~DesktopHost() {
     qInstallMessageHandler(nullptr);
     watchedDisplay = nullptr;
+    background.stop();
+    if (backgroundThread.joinable())
+        backgroundThread.join();
 }
 
 void DesktopHost::runEventLoop() {
     if (!bundle.hasSoundOwnInfo())
         alertWindows.tell({Alert::Style::warning, texts.text("info.title"), texts.text("info.unusable"), {}});
+    runLoop->postAfter(launchTime, [this] { startBackground(); });
     QApplication::exec();
+}
+
+void DesktopHost::startBackground() {
+    backgroundThread = std::thread([this] { background.run(); });
+    background.post(LoadedHTTPSession::prepare);
+    applications.readNames();
 }
 
 void DesktopHost::endEventLoop() {
@@ -113,7 +126,7 @@ std::shared_ptr<HTTPSession> DesktopHost::makeHTTPSession(HTTPSessionConfigurati
     std::optional<std::filesystem::path> authority;
     if (auto certificate = bundle.info("LumarinServiceCertificate"))
         authority = placeOfCertificate(*certificate, folders);
-    return std::make_shared<CurlSession>(configuration, authority);
+    return std::make_shared<LoadedHTTPSession>(configuration, std::move(authority));
 }
 
 } // namespace platform::desktop

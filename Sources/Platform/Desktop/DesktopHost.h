@@ -11,7 +11,7 @@
 #include "Platform/Foundation/ThreadRunLoop.h"
 #include "Platform/Host.h"
 
-#include <future>
+#include <thread>
 
 class QApplication;
 
@@ -35,7 +35,7 @@ public:
     void endEventLoop() override;
     void activate() override;
     RunLoop& mainRunLoop() override { return *runLoop; }
-    Executor& backgroundExecutor() override { return worker.runLoop(); }
+    Executor& backgroundExecutor() override { return background; }
     Keyboard& keyboard() override { return *keys; }
     Pasteboard& generalPasteboard() override { return pasteboard; }
     Workspace& workspace() override { return applications; }
@@ -51,12 +51,12 @@ public:
     std::shared_ptr<HTTPSession> makeHTTPSession(HTTPSessionConfiguration configuration) override;
 
 private:
+    void startBackground();
+
     // First: no thread may be there before it.
     TerminationSignals signals;
     // Next: without a display Qt would end the program in its own way.
     XConnection display;
-    // Goes on while Qt connects to the display.
-    std::future<void> networkPreparation;
     std::unique_ptr<QApplication> qt;
     std::unique_ptr<KeyboardNoticeFilter> keyboardNotices;
     std::unique_ptr<QtRunLoop> runLoop;
@@ -74,8 +74,9 @@ private:
     DesktopLoginItem autostart;
     UserDefaults defaults;
     NotificationCenter notifications;
-    // Last: its thread uses what stands above.
-    WorkerThread worker;
+    ThreadRunLoop background;
+    // Last: it uses what stands above.
+    std::thread backgroundThread;
 };
 
 } // namespace platform::desktop

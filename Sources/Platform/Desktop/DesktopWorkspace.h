@@ -12,6 +12,9 @@ public:
     DesktopWorkspace(const XConnection& display, ApplicationNames applicationNames)
         : x(display), names(std::move(applicationNames)) {}
 
+    // Names are known soon after this.
+    void readNames() { names.read(); }
+
     std::optional<RunningApplication> frontmostApplication() override;
     void activate(const RunningApplication& application) override;
     void reveal(const std::filesystem::path& file) override { revealFile(file); }

@@ -89,7 +89,6 @@ public:
     // Gives the answer once its head is there. Throws HTTPError or CancellationError.
     Task<HTTPAnswer> bytes(HTTPRequest request);
 
-protected:
     // Starts the transfer. What fails, fails in the exchange's events, with an HTTPError.
     virtual std::unique_ptr<HTTPExchange> open(HTTPRequest request) = 0;
 };

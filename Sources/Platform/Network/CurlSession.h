@@ -13,9 +13,6 @@ class TrustedCertificates;
 // then fails; exchanges may outlive the session.
 class CurlSession : public HTTPSession {
 public:
-    // Does in advance what the first session takes some milliseconds for. Any thread.
-    static void prepare();
-
     // Trusts the authorities in the PEM file `authority` besides the system's, as they stand there when a
     // connection is made; a file without any changes nothing.
     explicit CurlSession(HTTPSessionConfiguration chosen,
@@ -24,7 +21,6 @@ public:
     CurlSession(const CurlSession&) = delete;
     CurlSession& operator=(const CurlSession&) = delete;
 
-protected:
     std::unique_ptr<HTTPExchange> open(HTTPRequest request) override;
 
 private:

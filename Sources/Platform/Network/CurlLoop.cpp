@@ -1,4 +1,4 @@
-#include "Platform/Foundation/CurlLoop.h"
+#include "Platform/Network/CurlLoop.h"
 
 #include <algorithm>
 #include <climits>
@@ -14,16 +14,17 @@ void blockSignals() {
     pthread_sigmask(SIG_BLOCK, &all, nullptr);
 }
 
-} // namespace
-
-void CurlLoop::prepare() {
+// Sets up what all loops need.
+void prepareLibrary() {
     static const CURLcode result = curl_global_init(CURL_GLOBAL_ALL);
     if (result != CURLE_OK)
         throw HTTPError(curl_easy_strerror(result));
 }
 
+} // namespace
+
 CurlLoop::CurlLoop(int maximumConnectionsPerHost) {
-    prepare();
+    prepareLibrary();
     multi.reset(curl_multi_init());
     if (!multi)
         throw std::bad_alloc();

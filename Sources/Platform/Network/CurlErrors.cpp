@@ -1,4 +1,4 @@
-#include "Platform/Foundation/CurlErrors.h"
+#include "Platform/Network/CurlErrors.h"
 
 #include <openssl/x509.h>
 

@@ -1,6 +1,6 @@
-#include "Platform/Foundation/CurlTransfer.h"
+#include "Platform/Network/CurlTransfer.h"
 
-#include "Platform/Foundation/CurlErrors.h"
+#include "Platform/Network/CurlErrors.h"
 
 namespace platform {
 namespace {

@@ -1,6 +1,6 @@
-#include "Platform/Foundation/CurlSession.h"
+#include "Platform/Network/CurlSession.h"
 
-#include "Platform/Foundation/CurlLoop.h"
+#include "Platform/Network/CurlLoop.h"
 
 #include <algorithm>
 
@@ -23,10 +23,6 @@ private:
 };
 
 } // namespace
-
-void CurlSession::prepare() {
-    CurlLoop::prepare();
-}
 
 CurlSession::CurlSession(HTTPSessionConfiguration chosen,
                          const std::optional<std::filesystem::path>& authority)

@@ -1,4 +1,4 @@
-#include "Platform/Foundation/TrustedCertificates.h"
+#include "Platform/Network/TrustedCertificates.h"
 
 #include "Platform/Foundation/FileManager.h"
 

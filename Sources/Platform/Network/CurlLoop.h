@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Foundation/CurlTransfer.h"
+#include "Platform/Network/CurlTransfer.h"
 
 #include <mutex>
 #include <thread>
@@ -13,9 +13,6 @@ namespace platform {
 class CurlLoop {
 public:
     explicit CurlLoop(int maximumConnectionsPerHost);
-
-    // Sets up what all loops need. The first loop waits for it, and does it if nobody has begun.
-    static void prepare();
 
     void start(std::unique_ptr<CurlTransfer> transfer);
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Platform/Foundation/CurlAddress.h"
 #include "Platform/Foundation/HTTPSession.h"
-#include "Platform/Foundation/TrustedCertificates.h"
+#include "Platform/Network/CurlAddress.h"
+#include "Platform/Network/TrustedCertificates.h"
 
 #include <curl/curl.h>
 

@@ -1,4 +1,4 @@
-#include "Platform/Foundation/CurlAddress.h"
+#include "Platform/Network/CurlAddress.h"
 
 #include "Platform/Foundation/HTTPSession.h"
 
