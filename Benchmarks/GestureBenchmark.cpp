@@ -3,7 +3,7 @@
 // then falls into two stretches, to the translation being ready and from the key's release to the paste.
 
 #include "Acceptance/AcceptanceProgram.h"
-#include "Acceptance/SlowEditorClient.h"
+#include "Acceptance/TestEditor.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -45,18 +45,18 @@ void measure(const char* name, KeyboardKind keyboard, bool isPartial, Pauses pau
     service.thinking = 20ms;
     Person person(keyboard);
     AcceptanceProgram program(display, service);
-    const SlowEditorClient editor(display);
+    const TestEditor editor;
     Times request;
     Times ready;
     Times paste;
     Times answerToPaste;
     for (int number = 0; number < gestures; ++number) {
-        editor.setUp("Please send the price list.", 0, isPartial ? 11 : 0);
+        editor.setUp(isPartial ? "[Please send] the price list." : "Please send the price list.");
         const auto pressed = person.press(Key::rightControl);
         const auto isReady = program.process().awaitLine("[SM] Done: ").time;
         const auto released = person.release(Key::rightControl);
         program.process().awaitLine("[SM] Injected");
-        const auto pasted = editor.content().pasteKeyTime;
+        const auto pasted = editor.pasteKeyTime();
         request.add(service.requestTime() - pressed);
         ready.add(isReady - service.answerTime());
         paste.add(pasted - released);

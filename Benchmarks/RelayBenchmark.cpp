@@ -3,7 +3,8 @@
 // directly from the model server, then through the service, then the same beside clients that do their worst.
 // RelayBenchmark [SECONDS] [STREAMS]: for each of the three, 60 and 100 unless said otherwise.
 
-#include "Service/Handles.h"
+#include "MalformedRequests.h"
+#include "Service/Support/Handles.h"
 #include "Support/TLSServer.h"
 #include "Support/TemporaryFolder.h"
 
@@ -13,10 +14,10 @@
 #include <charconv>
 #include <csignal>
 #include <cstdio>
+#include <deque>
 #include <fcntl.h>
 #include <fstream>
 #include <netinet/tcp.h>
-#include <random>
 #include <spawn.h>
 #include <sys/wait.h>
 
@@ -36,12 +37,23 @@ std::int64_t nanoseconds(Clock::time_point moment) {
     return moment.time_since_epoch().count();
 }
 
+// More than there is room for on the way to a client that does not read.
+void streamMegabytes(TLSConnection& connection) {
+    const std::string piece =
+        chunk(R"(data: {"choices":[{"delta":{"content":")" + std::string(64'000, 'x') + "\"}}]}\n\n");
+    bool goesOn = connection.send(streamHead);
+    for (int number = 0; goesOn && number < 128; ++number)
+        goesOn = connection.send(piece);
+}
+
 // Answers with pieces "NAME,NUMBER,MOMENT;", NAME being the text to translate.
 void streamPieces(TLSConnection& connection) {
     while (const auto request = connection.readRequest()) {
         const std::string before = R"("content":"name )";
         const auto start = request->body.find(before) + before.size();
         const std::string name = request->body.substr(start, request->body.find('"', start) - start);
+        if (name.starts_with("slow"))
+            return streamMegabytes(connection);
         connection.send(streamHead);
         auto next = Clock::now();
         for (int number = 0; number < piecesPerAnswer; ++number, next += timeBetweenPieces) {
@@ -58,13 +70,17 @@ void streamPieces(TLSConnection& connection) {
 // A connection to a port of this computer, with TLS or without.
 class Connection {
 public:
-    Connection(int port, SSL_CTX* context) : socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    // `room` is for what has arrived and not been received.
+    Connection(int port, SSL_CTX* context, std::optional<int> room = {})
+        : socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_port = htons(static_cast<std::uint16_t>(port));
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         const int on = 1;
         ::setsockopt(socket.number(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+        if (room)
+            ::setsockopt(socket.number(), SOL_SOCKET, SO_RCVBUF, &*room, sizeof *room);
         isOpen = ::connect(socket.number(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
         if (!context || !isOpen)
             return;
@@ -187,6 +203,8 @@ Measured run(int streams, std::chrono::seconds time, int port, SSL_CTX* context)
 }
 
 double quantile(const Measured& measured, double part) {
+    if (measured.milliseconds.empty())
+        return 0;
     const auto last = static_cast<double>(measured.milliseconds.size() - 1);
     return measured.milliseconds[static_cast<std::size_t>(part * last)];
 }
@@ -194,7 +212,7 @@ double quantile(const Measured& measured, double part) {
 void print(const char* name, const Measured& measured) {
     std::printf("  %-34s %8zu %8zu %6zu %9.3f %9.3f %9.3f\n", name, measured.answers,
                 measured.milliseconds.size(), measured.faults, quantile(measured, 0.5),
-                quantile(measured, 0.99), measured.milliseconds.back());
+                quantile(measured, 0.99), quantile(measured, 1));
     std::fflush(stdout);
 }
 
@@ -205,9 +223,21 @@ public:
         const std::string upstream = "http://127.0.0.1:" + std::to_string(upstreamPort) + "/v1";
         const std::string certificate = folder / "service.pem";
         const std::string output = folder / "output";
-        std::vector<std::string> words{
-            LUMARIN_SERVICE, "--listen", "127.0.0.1:0", "--certificate", certificate, "--upstream",
-            upstream,        "--rate",   "0",           "--device-rate", "0"};
+        std::vector<std::string> words{LUMARIN_SERVICE,
+                                       "--listen",
+                                       "127.0.0.1:0",
+                                       "--certificate",
+                                       certificate,
+                                       "--upstream",
+                                       upstream,
+                                       "--rate",
+                                       "0",
+                                       "--device-rate",
+                                       "0",
+                                       "--address-rate",
+                                       "0",
+                                       "--address-at-once",
+                                       "0"};
         std::vector<char*> arguments;
         arguments.reserve(words.size() + 1);
         for (std::string& word : words)
@@ -286,43 +316,49 @@ double longestFarewell(int times) {
     return longest;
 }
 
-// Clients that read nothing of their answers, and ones that never end their request.
-std::vector<std::unique_ptr<Connection>> slowClients(int port, SSL_CTX* context, int count) {
-    std::vector<std::unique_ptr<Connection>> clients;
-    for (int number = 0; number < count; ++number) {
-        clients.push_back(std::make_unique<Connection>(port, context));
-        const std::string request = relayedRequest("slow" + std::to_string(number));
-        clients.back()->send(number % 2 == 0 ? request : request.substr(0, request.size() - 5));
-    }
-    return clients;
+// Clients that read nothing of their answers, and ones that never end their request. The longest there gives
+// its place to a fresh one again and again, before the service has had enough of it.
+class SlowClients {
+public:
+    SlowClients(int port, SSL_CTX* context, std::size_t count)
+        : thread([=](const std::stop_token& stop) {
+              std::deque<Connection> clients;
+              for (int number = 0; !stop.stop_requested(); ++number) {
+                  constexpr int room = 4096;
+                  const std::string request = relayedRequest("slow" + std::to_string(number));
+                  clients.emplace_back(port, context, room)
+                      .send(number % 2 == 0 ? request : request.substr(0, request.size() - 5));
+                  if (clients.size() <= count)
+                      continue;
+                  clients.pop_front();
+                  std::this_thread::sleep_for(100ms);
+              }
+          }) {}
+
+private:
+    std::jthread thread;
+};
+
+// How many translations the service has under way.
+int underWay(int port, SSL_CTX* context) {
+    const std::string name = "\nlumarin_translations ";
+    Connection client(port, context);
+    client.send("GET /metrics HTTP/1.1\r\nConnection: close\r\n\r\n");
+    std::string answer;
+    while (client.receive(answer))
+        continue;
+    const auto found = answer.find(name);
+    return found != std::string::npos ? std::stoi(answer.substr(found + name.size())) : 0;
 }
 
-// Sends requests with bytes changed, doubled and left out, each on a connection of its own.
+// Each on a connection of its own.
 void sendMalformed(int port, SSL_CTX* context, unsigned first, unsigned count) {
     for (unsigned seed = first; seed < first + count; ++seed) {
-        std::mt19937 random(seed);
-        std::string bytes = relayedRequest("x");
-        for (auto change = random() % 12; !bytes.empty() && change > 0; --change) {
-            const std::size_t at = random() % bytes.size();
-            switch (random() % 4) {
-            case 0:
-                bytes[at] = static_cast<char>(random());
-                break;
-            case 1:
-                bytes.erase(at, random() % 8);
-                break;
-            case 2:
-                bytes.insert(at, bytes.substr(random() % bytes.size(), random() % 200));
-                break;
-            default:
-                bytes.resize(at);
-            }
-        }
         Connection client(port, context);
-        client.send(bytes);
+        client.send(malformedRequest(seed));
         std::string answer;
         client.waitNoLongerThan(5ms); // The service waits for the rest of many of them.
-        if (random() % 2 == 0)
+        if (seed % 2 == 0)
             client.receive(answer);
     }
 }
@@ -357,8 +393,10 @@ int main(int count, char** arguments) {
     print("through the service, TLS", run(streams, time, service.port, context.get()));
     const long before = service.kilobytes();
     {
-        const auto slow = slowClients(service.port, context.get(), 100);
+        const SlowClients slow(service.port, context.get(), 100);
         print("the same beside 100 slow clients", run(streams, time, service.port, context.get()));
+        std::printf("  (at the end %d translations were held up by them)\n",
+                    underWay(service.port, context.get()));
     }
     const long between = service.kilobytes();
     sendAllMalformed(service.port, context.get());

@@ -1,6 +1,6 @@
 #include "Service/FileFolder.h"
 
-#include "Service/Handles.h"
+#include "Service/Support/Handles.h"
 
 #include <algorithm>
 #include <array>
@@ -60,7 +60,7 @@ bool FileFolder::answer(std::string_view path, httplib::Response& response) cons
         return false;
     const auto file = std::make_shared<Descriptor>(::open(target.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat facts {};
-    if (file->number() < 0 || ::fstat(file->number(), &facts) != 0 || !S_ISREG(facts.st_mode))
+    if (!file->isOpen() || ::fstat(file->number(), &facts) != 0 || !S_ISREG(facts.st_mode))
         return false;
     response.set_header("Cache-Control", "no-cache");
     response.set_header("Accept-Ranges", "none");

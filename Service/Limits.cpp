@@ -1,6 +1,6 @@
 #include "Service/Limits.h"
 
-#include "Service/Refusal.h"
+#include "Service/Engine/Refusal.h"
 
 #include <algorithm>
 
@@ -22,42 +22,50 @@ constexpr std::chrono::seconds afterOneUnderWay{1};
 
 } // namespace
 
-Limits::Pass Limits::admit(const std::string& device, Clock::time_point now) {
+Limits::Pass Limits::admit(const std::string& device, const std::string& address, Clock::time_point now) {
     std::lock_guard lock(mutex);
-    const auto known = devices.find(device);
-    const Usage used = known != devices.end() ? known->second : Usage{};
-    if (forDevice.atOnce > 0 && used.underWay >= forDevice.atOnce)
-        refuse("This computer has too many translations under way.", "device at once", afterOneUnderWay);
-    if (const auto time = wait(forDevice, used, now))
-        refuse("This computer asks for too many translations.", "device rate", *time);
-    if (forAll.atOnce > 0 && all.underWay >= forAll.atOnce)
-        refuse("The translation service is busy.", "at once", afterOneUnderWay);
-    if (const auto time = wait(forAll, all, now))
-        refuse("The translation service is busy.", "rate", *time);
-
-    if (devices.size() >= worthCleaning)
-        forgetIdle(now);
-    count(forAll, all, now);
-    count(forDevice, devices[device], now);
-    return {*this, device};
+    check(devices, device, now,
+          {"This computer has too many translations under way.", "device at once",
+           "This computer asks for too many translations.", "device rate"});
+    check(addresses, address, now,
+          {"Too many translations for this address are under way.", "address at once",
+           "This address asks for too many translations.", "address rate"});
+    check(everybody, {}, now,
+          {"The translation service is busy.", "at once", "The translation service is busy.", "rate"});
+    count(devices, device, now);
+    count(addresses, address, now);
+    count(everybody, {}, now);
+    return {*this, device, address};
 }
 
 Limits::Pass::~Pass() {
     if (!limits)
         return;
     std::lock_guard lock(limits->mutex);
-    --limits->all.underWay;
-    --limits->devices[device].underWay;
+    --limits->devices.usage[device].underWay;
+    --limits->addresses.usage[address].underWay;
+    --limits->everybody.usage[{}].underWay;
 }
 
 std::size_t Limits::underWay() const {
     std::lock_guard lock(mutex);
-    return static_cast<std::size_t>(all.underWay);
+    const auto all = everybody.usage.find({});
+    return all != everybody.usage.end() ? static_cast<std::size_t>(all->second.underWay) : 0;
 }
 
 std::size_t Limits::knownDevices() const {
     std::lock_guard lock(mutex);
-    return devices.size();
+    return devices.usage.size();
+}
+
+void Limits::check(const Group& group, const std::string& name, Clock::time_point now,
+                   const Sentences& sentences) {
+    const auto known = group.usage.find(name);
+    const Usage used = known != group.usage.end() ? known->second : Usage{};
+    if (group.each.atOnce > 0 && used.underWay >= group.each.atOnce)
+        refuse(sentences.tooManyAtOnce, sentences.atOnce, afterOneUnderWay);
+    if (const auto time = wait(group.each, used, now))
+        refuse(sentences.tooMany, sentences.rate, *time);
 }
 
 // How long until one more is within the rate.
@@ -70,18 +78,21 @@ std::optional<Limits::Clock::duration> Limits::wait(const Amount& amount, const 
     return left > Clock::duration{} ? std::optional(left) : std::nullopt;
 }
 
-void Limits::count(const Amount& amount, Usage& usage, Clock::time_point now) {
+void Limits::count(Group& group, const std::string& name, Clock::time_point now) {
+    if (group.usage.size() >= group.worthCleaning)
+        forgetIdle(group, now);
+    Usage& usage = group.usage[name];
     ++usage.underWay;
-    if (amount.perMinute > 0)
-        usage.evenly = std::max(usage.evenly, now) + Clock::duration(1min) / amount.perMinute;
+    if (group.each.perMinute > 0)
+        usage.evenly = std::max(usage.evenly, now) + Clock::duration(1min) / group.each.perMinute;
 }
 
-// A device without anything under way that has used up nothing is as good as one never seen. As every device
-// remembered has been admitted within the overall rate, there are never many.
-void Limits::forgetIdle(Clock::time_point now) {
-    std::erase_if(devices,
+// Who has nothing under way and has used up nothing is as good as one never seen. As everybody remembered has
+// been admitted within the overall rate, there are never many.
+void Limits::forgetIdle(Group& group, Clock::time_point now) {
+    std::erase_if(group.usage,
                   [&](const auto& each) { return each.second.underWay == 0 && each.second.evenly <= now; });
-    worthCleaning = std::max<std::size_t>(1024, 2 * devices.size());
+    group.worthCleaning = std::max(Group::fewNames, 2 * group.usage.size());
 }
 
 } // namespace lumarin::service

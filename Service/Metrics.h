@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Service/Exchange.h"
+#include "Service/HTTPS/Exchange.h"
 
 #include <array>
 #include <cstdint>

@@ -1,7 +1,9 @@
 #include "Service/Options.h"
 
+#include "Service/HTTPS/Certificate.h"
 #include "Service/Settings.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <getopt.h>
 #include <utility>
@@ -46,11 +48,15 @@ Who is served:
 How much is served; 0 is no limit:
   --rate N             translations a minute (default 6000)
   --at-once N          translations under way (default 256)
+  --address-rate N     the same for one network address (default 1500);
+  --address-at-once N  (default 64); 0 behind a load balancer, whose address is
+                       everybody's
   --device-rate N      the same for one computer (default 60)
   --device-at-once N   (default 4)
   --connections N      open connections (default 1000, at least 1)
   --request-time SECONDS
-                       the longest time for one request (default 300)
+                       the longest time for one request (default 300, at least
+                       1), --timeout included
 
   --config FILE        a JSON file with any of these by the same names, such as
                        {"upstream": "http://127.0.0.1:8000/v1", "rate": 600};
@@ -84,11 +90,27 @@ std::vector<option> knownOptions(int config, int help) {
     return known;
 }
 
+void checkAppcast(const Options& options) {
+    if (options.appcast.empty())
+        return;
+    const auto folder = std::filesystem::canonical(options.appcast);
+    auto secrets = options.secretFiles;
+    secrets.push_back(keyOf(options.certificate));
+    for (const auto& secret : secrets)
+        if (std::ranges::mismatch(folder,
+                                  std::filesystem::weakly_canonical(std::filesystem::absolute(secret)))
+                .in1
+            == folder.end())
+            throw OptionError("The folder of --appcast holds " + secret.string()
+                              + ", which would be served to everybody.");
+}
+
 Options finished(Options options) {
-    if (options.upstream.empty() && (!options.model.empty() || !options.key.empty()))
-        throw OptionError("A model or a key is of no use without --upstream.");
+    if (options.upstream.empty() && !options.needsUpstream.empty())
+        throw OptionError("--" + options.needsUpstream + " is of no use without --upstream.");
     if (options.certificate.empty())
         options.certificate = defaultCertificate();
+    checkAppcast(options);
     return options;
 }
 
@@ -103,8 +125,14 @@ Options parseOptions(int count, char* const* arguments) {
     for (int found = 0; (found = getopt_long(count, arguments, ":", known.data(), nullptr)) != -1;) {
         if (found == ':')
             throw OptionError(std::string(arguments[optind - 1]) + " needs a value.");
-        if (found == '?')
-            throw OptionError("Unknown option \"" + std::string(arguments[optind - 1]) + "\"; see --help.");
+        if (found == '?') {
+            // Set for a letter behind a single dash; getopt may not be done with its word.
+            const bool isLetter = optopt > 0 && optopt < config;
+            throw OptionError(
+                "Unknown option \""
+                + (isLetter ? std::string{'-', static_cast<char>(optopt)} : arguments[optind - 1])
+                + "\"; see --help.");
+        }
         if (found == config)
             setFromFile(options, optarg);
         else if (found == help)

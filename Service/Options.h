@@ -28,12 +28,17 @@ struct Options {
     // Translations a minute and at once; zero is no limit.
     int rate = 6000;
     int atOnce = 256;
+    int addressRate = 1500;
+    int addressAtOnce = 64;
     int deviceRate = 60;
     int deviceAtOnce = 4;
     int connections = 1000;
     std::chrono::seconds requestTime{300};
 
     std::filesystem::path appcast; // Empty for none.
+
+    std::vector<std::filesystem::path> secretFiles; // That have been named, and may not be served.
+    std::string needsUpstream;                      // An option that has been used.
     bool help = false;
 };
 

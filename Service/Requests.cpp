@@ -1,6 +1,6 @@
 #include "Service/Requests.h"
 
-#include "Service/Refusal.h"
+#include "Service/Engine/Refusal.h"
 
 #include <nlohmann/json.hpp>
 

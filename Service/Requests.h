@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Service/TranslationEngine.h"
+#include "Service/Engine/TranslationEngine.h"
 
 #include <string_view>
 

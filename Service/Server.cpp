@@ -1,10 +1,12 @@
 #include "Service/Server.h"
 
-#include "Service/Refusal.h"
+#include "Service/Engine/Refusal.h"
+#include "Service/HTTPS/TLSStream.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <strings.h>
 
 namespace lumarin::service {
 namespace {
@@ -78,8 +80,13 @@ std::string readBody(const httplib::ContentReader& reader) {
     });
     if (isTooLong)
         throw Refusal(413, "");
-    if (!isRead)
+    const Exchange& exchange = Exchange::current();
+    if (!isRead && exchange.stream->is_readable())
         throw Refusal(400, "");
+    if (!isRead && exchange.signals->stop.isRaised())
+        throw Refusal(503, "The service is stopping.", "stopped");
+    if (!isRead)
+        throw Abandoned("The request did not arrive whole.");
     return body;
 }
 
@@ -99,7 +106,8 @@ int faultOfBody(const Request& request) {
     const bool isNumber =
         !length.empty() && std::ranges::all_of(length, [](unsigned char c) { return std::isdigit(c) != 0; });
     if (lengths + encodings > 1 || (lengths == 1 && !isNumber)
-        || (encodings == 1 && request.get_header_value("Transfer-Encoding") != "chunked"))
+        || (encodings == 1
+            && ::strcasecmp(request.get_header_value("Transfer-Encoding").c_str(), "chunked") != 0))
         return 400;
     constexpr std::size_t mostDigits = 9;
     return lengths == 1 && (length.size() > mostDigits || std::stoul(length) > bodyLimit) ? 413 : 0;
@@ -116,6 +124,7 @@ Server::Server(const TranslationEngine& chosen, const Options& options, const Lo
     : engine(chosen),
       log(events),
       limits({.perMinute = options.rate, .atOnce = options.atOnce},
+             {.perMinute = options.addressRate, .atOnce = options.addressAtOnce},
              {.perMinute = options.deviceRate, .atOnce = options.deviceAtOnce}),
       certificates(options.certificate, options.names, events),
       server(certificates, static_cast<std::size_t>(options.connections), options.requestTime,
@@ -150,6 +159,7 @@ bool Server::answerSimply(const Request& request, Response& response) {
     const int fault = isPost ? faultOfBody(request) : 0;
     if (isPost && fault == 0)
         return false;
+    exchange.place->worksForClient();
     exchange.hasUnreadBody = announcesBody(request);
     const bool isHead = request.method == "HEAD";
     if (fault != 0 || exchange.endpoint.empty()) {
@@ -192,15 +202,14 @@ void Server::translate(AnswerForm form, const Request& request, Response& respon
         const std::string body = readBody(reader);
         exchange.hasUnreadBody = false;
         exchange.place->worksForClient();
-        TranslationAnswer::give(std::make_unique<TranslationAnswer>(
-                                    form, engine, limits.admit(deviceOf(request)), body, exchange),
-                                response);
+        auto pass = limits.admit(deviceOf(request), request.remote_addr);
+        TranslationAnswer::give(
+            std::make_unique<TranslationAnswer>(form, engine, std::move(pass), body, exchange), response);
     } catch (const Refusal& refusal) {
         refuse(refusal, response, exchange);
     } catch (const Abandoned& abandoned) {
         response.status = clientClosedRequest;
-        exchange.failure = "client gone";
-        exchange.failureDetail = abandoned.what();
+        exchange.fail(abandoned);
     }
 }
 

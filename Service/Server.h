@@ -1,14 +1,14 @@
 #pragma once
 
-#include "Service/CertificateKeeper.h"
+#include "Service/Engine/TranslationEngine.h"
 #include "Service/FileFolder.h"
-#include "Service/HTTPSServer.h"
+#include "Service/HTTPS/CertificateKeeper.h"
+#include "Service/HTTPS/HTTPSServer.h"
 #include "Service/Limits.h"
-#include "Service/Log.h"
 #include "Service/Metrics.h"
 #include "Service/Options.h"
+#include "Service/Support/Log.h"
 #include "Service/TranslationAnswer.h"
-#include "Service/TranslationEngine.h"
 
 #include <cstdint>
 #include <optional>
@@ -32,9 +32,9 @@ public:
     void run() { server.serve(); }
 
     // Any thread, at any time.
-    void stop() const { server.stopListening(); }
+    void stop() { server.stopListening(); }
     // Breaks off what is still under way after stop(). Any thread.
-    void abandon() const { server.abandonAnswers(); }
+    void abandon() { server.abandonAnswers(); }
 
 private:
     using Request = httplib::Request;

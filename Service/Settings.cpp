@@ -2,13 +2,14 @@
 
 #include "Platform/Foundation/FileManager.h"
 #include "Platform/Foundation/HTTPSession.h"
+#include "Platform/Foundation/Text.h"
 #include "Platform/Network/CurlAddress.h"
+#include "Service/Support/PrivateFile.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <set>
 
 namespace lumarin::service {
 namespace {
@@ -67,8 +68,16 @@ void setUpstream(Options& options, const std::string& value) {
         throw OptionError("takes a base address such as http://127.0.0.1:8000/v1. "
                           + std::string(error.what()));
     }
-    while (options.upstream.ends_with('/'))
-        options.upstream.pop_back();
+    // Many a server's description names the whole address.
+    for (const std::string_view suffix : {"/", "/chat/completions", "/"})
+        while (options.upstream.ends_with(suffix))
+            options.upstream.resize(options.upstream.size() - suffix.size());
+}
+
+void setModel(Options& options, const std::string& value) {
+    if (!platform::text::isValid(value))
+        throw OptionError("takes a name in UTF-8.");
+    options.model = value;
 }
 
 std::string readFile(const std::string& path) {
@@ -82,17 +91,15 @@ std::string readFile(const std::string& path) {
 
 void setKeyFile(Options& options, const std::string& value) {
     std::string key = readFile(value);
-    // What a manager of secrets hands in belongs to somebody else and has modes of its own.
-    struct stat facts {};
-    if (::stat(value.c_str(), &facts) == 0 && facts.st_uid == ::geteuid()
-        && (facts.st_mode & (S_IRWXG | S_IRWXO)) != 0)
-        throw OptionError("names the file " + value + ", which others can read; do chmod 600 " + value + ".");
+    if (const std::string exposed = exposure(value); !exposed.empty())
+        throw OptionError("names the file " + value + ", " + exposed);
     while (!key.empty() && std::isspace(static_cast<unsigned char>(key.back())) != 0)
         key.pop_back();
     const auto isGraphic = [](unsigned char c) { return std::isgraph(c) != 0; };
     if (key.empty() || !std::ranges::all_of(key, isGraphic))
         throw OptionError("names the file " + value + ", which does not hold a key on a line of its own.");
     options.key = key;
+    options.secretFiles.emplace_back(value);
 }
 
 void setAuthority(Options& options, const std::string& value) {
@@ -125,19 +132,23 @@ void setSeconds(Options& options, const std::string& value) {
 
 constexpr int million = 1'000'000;
 
+constexpr bool ofUpstream = true;
+
 constexpr auto all = std::to_array<Setting>({
     {"upstream", Setting::Kind::text, setUpstream},
-    {"model", Setting::Kind::text, [](Options& options, const std::string& value) { options.model = value; }},
-    {"key-file", Setting::Kind::path, setKeyFile},
-    {"upstream-authority", Setting::Kind::path, setAuthority},
-    {"parameters", Setting::Kind::object, setParameters},
-    {"timeout", Setting::Kind::number, setSeconds<&Options::timeout, 3600>},
+    {"model", Setting::Kind::text, setModel, ofUpstream},
+    {"key-file", Setting::Kind::path, setKeyFile, ofUpstream},
+    {"upstream-authority", Setting::Kind::path, setAuthority, ofUpstream},
+    {"parameters", Setting::Kind::object, setParameters, ofUpstream},
+    {"timeout", Setting::Kind::number, setSeconds<&Options::timeout, 3600>, ofUpstream},
     {"listen", Setting::Kind::text, setListen},
     {"certificate", Setting::Kind::path,
      [](Options& options, const std::string& value) { options.certificate = value; }},
     {"names", Setting::Kind::text, setNames},
     {"rate", Setting::Kind::number, setNumber<&Options::rate, 0, million>},
     {"at-once", Setting::Kind::number, setNumber<&Options::atOnce, 0, million>},
+    {"address-rate", Setting::Kind::number, setNumber<&Options::addressRate, 0, million>},
+    {"address-at-once", Setting::Kind::number, setNumber<&Options::addressAtOnce, 0, million>},
     {"device-rate", Setting::Kind::number, setNumber<&Options::deviceRate, 0, million>},
     {"device-at-once", Setting::Kind::number, setNumber<&Options::deviceAtOnce, 0, million>},
     {"connections", Setting::Kind::number, setNumber<&Options::connections, 1, million>},
@@ -146,7 +157,7 @@ constexpr auto all = std::to_array<Setting>({
 });
 
 // The value as it would be written on the command line.
-std::string textOf(const nlohmann::json& value, Setting::Kind kind, const std::filesystem::path& folder) {
+std::string textOf(const nlohmann::json& value, Setting::Kind kind) {
     switch (kind) {
     case Setting::Kind::number:
         if (value.is_number_integer())
@@ -162,8 +173,44 @@ std::string textOf(const nlohmann::json& value, Setting::Kind kind, const std::f
     }
     if (!value.is_string())
         throw OptionError("has to be a string.");
-    const auto text = value.get<std::string>();
-    return kind == Setting::Kind::path ? (folder / text).string() : text;
+    return value.get<std::string>();
+}
+
+// Relative paths are relative to `folder`.
+void set(Options& options, const Setting& setting, const std::string& value,
+         const std::filesystem::path& folder) {
+    const bool isPath = setting.kind == Setting::Kind::path;
+    if (isPath && value.empty())
+        throw OptionError("names nothing.");
+    setting.set(options, isPath ? (folder / value).string() : value);
+    if (setting.needsUpstream)
+        options.needsUpstream = setting.name;
+}
+
+// "line 3, column 7" of a position in a text, counted from 1 on.
+std::string place(std::string_view text, std::size_t position) {
+    const std::string_view before = text.substr(0, position == 0 ? 0 : position - 1);
+    return "line " + std::to_string(std::ranges::count(before, '\n') + 1) + ", column "
+           + std::to_string(before.size() - (before.rfind('\n') + 1) + 1);
+}
+
+// The object in a configuration file. A name that stands twice would win or lose unnoticed.
+nlohmann::json parseConfiguration(const std::string& text) {
+    using nlohmann::json;
+    std::set<std::string> names;
+    const auto check = [&](int depth, json::parse_event_t event, const json& name) {
+        if (depth == 1 && event == json::parse_event_t::key && !names.insert(name).second)
+            throw OptionError("has \"" + name.get<std::string>() + "\" twice.");
+        return true;
+    };
+    try {
+        json config = json::parse(text, check);
+        if (!config.is_object())
+            throw OptionError("is not a JSON object.");
+        return config;
+    } catch (const json::parse_error& error) {
+        throw OptionError("is not JSON: see " + place(text, error.byte) + ".");
+    }
 }
 
 } // namespace
@@ -174,7 +221,7 @@ std::span<const Setting> settings() {
 
 void setFromCommandLine(Options& options, const Setting& setting, const std::string& value) {
     try {
-        setting.set(options, value);
+        set(options, setting, value, {});
     } catch (const OptionError& error) {
         throw OptionError("--" + std::string(setting.name) + " " + error.what());
     }
@@ -187,9 +234,13 @@ void setFromFile(Options& options, const std::filesystem::path& file) {
     } catch (const OptionError& error) {
         throw OptionError("--config " + std::string(error.what()));
     }
-    const auto config = nlohmann::json::parse(bytes, nullptr, false);
-    if (!config.is_object())
-        throw OptionError("The configuration in " + file.string() + " is not a JSON object.");
+    nlohmann::json config;
+    try {
+        config = parseConfiguration(bytes);
+    } catch (const OptionError& error) {
+        throw OptionError("The configuration in " + file.string() + " " + error.what());
+    }
+    options.secretFiles.push_back(file);
     const auto folder = std::filesystem::absolute(file).parent_path();
     for (const auto& [name, value] : config.items()) {
         const auto setting =
@@ -197,7 +248,7 @@ void setFromFile(Options& options, const std::filesystem::path& file) {
         try {
             if (setting == all.end())
                 throw OptionError("is not known; see --help.");
-            setting->set(options, textOf(value, setting->kind, folder));
+            set(options, *setting, textOf(value, setting->kind), folder);
         } catch (const OptionError& error) {
             throw OptionError("\"" + name + "\" in " + file.string() + " " + error.what());
         }

@@ -16,6 +16,7 @@ struct Setting {
     Kind kind;
     // Takes the value as text. Throws an OptionError without saying which setting is meant.
     void (*set)(Options& options, const std::string& value);
+    bool needsUpstream = false; // Means nothing to the built-in gloss.
 };
 
 std::span<const Setting> settings();

@@ -1,8 +1,8 @@
 #include "Service/TranslationAnswer.h"
 
-#include "Service/Refusal.h"
+#include "Service/Engine/Refusal.h"
+#include "Service/HTTPS/TLSStream.h"
 #include "Service/Requests.h"
-#include "Service/TLSStream.h"
 
 #include <nlohmann/json.hpp>
 
@@ -53,8 +53,11 @@ void TranslationAnswer::give(std::unique_ptr<TranslationAnswer> answer, httplib:
     }
     // Proxies that collect an answer before they pass it on do not collect this one.
     response.set_header("X-Accel-Buffering", "no");
-    response.set_chunked_content_provider(
-        type, [kept](std::size_t, httplib::DataSink& sink) { return kept->send(sink); });
+    const auto provider = [kept](std::size_t, httplib::DataSink& sink) { return kept->send(sink); };
+    if (kept->exchange.isOldHTTP)
+        response.set_content_provider(type, provider);
+    else
+        response.set_chunked_content_provider(type, provider);
 }
 
 // Sends what comes next. False ends the connection, so that a translation that was lost cannot be taken for a
@@ -72,8 +75,7 @@ bool TranslationAnswer::send(httplib::DataSink& sink) {
         exchange.failure = refusal.cause;
         exchange.failureDetail = refusal.what();
     } catch (const Abandoned& abandoned) {
-        exchange.failure = "client gone";
-        exchange.failureDetail = abandoned.what();
+        exchange.fail(abandoned);
     } catch (const std::exception&) {
         exchange.failure = "fault";
     }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Service/Exchange.h"
+#include "Service/Engine/TranslationEngine.h"
+#include "Service/HTTPS/Exchange.h"
 #include "Service/Limits.h"
-#include "Service/TranslationEngine.h"
 
 #include <httplib.h>
 #include <memory>

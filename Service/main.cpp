@@ -1,7 +1,7 @@
-#include "Service/Gloss.h"
+#include "Service/Gloss/Gloss.h"
 #include "Service/Options.h"
 #include "Service/Server.h"
-#include "Service/Upstream.h"
+#include "Service/Upstream/Upstream.h"
 
 #include <csignal>
 #include <exception>
@@ -18,16 +18,21 @@ using namespace lumarin::service;
 
 constexpr timespec timeToEnd{.tv_sec = 10, .tv_nsec = 0};
 
-// Ends the server on the signals of an orderly end while it runs: gives the answers under way some time, or
-// none when asked again. The signals are blocked before any thread starts, so that they reach this one alone.
+// Keeps the signals of an orderly end for whoever waits for them, from now on and in threads yet to start.
+sigset_t blockEndSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signals;
+}
+
+// Ends the server on the signals while it runs: gives the answers under way some time, or none when asked
+// again.
 class SignalWatch {
 public:
-    SignalWatch(Server& server, const Log& log) {
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, SIGTERM);
-        sigaddset(&signals, SIGINT);
-        pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    SignalWatch(Server& server, const Log& log, const sigset_t& signals) {
         thread = std::thread([&server, &log, signals] {
             int received = 0;
             sigwait(&signals, &received);
@@ -85,12 +90,13 @@ std::string address(const std::string& host, std::uint16_t port) {
 }
 
 void serve(const Options& options) {
+    const sigset_t signals = blockEndSignals();
     raiseDescriptorLimit();
     Log log([](const std::string& line) { std::cerr << line + "\n"; });
     const auto engine = makeEngine(options);
     const auto server = makeServer(*engine, options, log);
     const std::uint16_t port = server->bind(options.host, options.port);
-    const SignalWatch watch(*server, log);
+    const SignalWatch watch(*server, log, signals);
     log.write("started", {{"listen", address(options.host, port)},
                           {"upstream", options.upstream.empty() ? "built-in gloss" : options.upstream}});
     std::cout << "Listening on " << address(options.host, port) << std::endl;

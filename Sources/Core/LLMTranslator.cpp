@@ -38,11 +38,15 @@ Task<void> warmUp(std::shared_ptr<platform::HTTPSession> session) {
 
 Task<TranslationError> serviceError(platform::HTTPAnswer& answer) {
     std::string body;
-    while (body.size() < enoughOfAnError) {
-        auto line = co_await answer.nextLine();
-        if (!line)
-            break;
-        body += *line;
+    try {
+        while (body.size() < enoughOfAnError) {
+            auto line = co_await answer.nextLine();
+            if (!line)
+                break;
+            body += *line;
+        }
+    } catch (const platform::HTTPError&) {
+        // The status says more than why the rest of its text has not come.
     }
     co_return TranslationError::apiError("HTTP " + std::to_string(*answer.response.status) + ": "
                                          + platform::text::prefix(body, 200));

@@ -1,10 +1,29 @@
 #include "Core/LocalizedError.h"
 
+#include "Core/LocalizationManager.h"
+#include "Platform/Foundation/HTTPError.h"
+
+#include <nlohmann/json.hpp>
+
 namespace lumarin {
 
+namespace {
+
+std::string sentence(const std::string& english) {
+    return LocalizationManager::shared().localized(english, "Network");
+}
+
+} // namespace
+
 std::string localizedDescription(const std::exception& error) {
-    auto localized = dynamic_cast<const LocalizedError*>(&error);
-    return localized ? localized->errorDescription() : error.what();
+    if (const auto* own = dynamic_cast<const LocalizedError*>(&error))
+        return own->errorDescription();
+    if (const auto* transport = dynamic_cast<const platform::HTTPError*>(&error))
+        return transport->description(sentence(transport->key()));
+    // The parser's own words are for programmers.
+    if (dynamic_cast<const nlohmann::json::parse_error*>(&error))
+        return sentence("The server's answer could not be read.");
+    return error.what();
 }
 
 } // namespace lumarin

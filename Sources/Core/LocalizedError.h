@@ -19,7 +19,8 @@ private:
     std::string printedForm;
 };
 
-// What a person is told of any error; those of the platform bring their own sentence.
+// What a person is told of any error, in the interface language of the moment where there is a sentence in
+// it.
 std::string localizedDescription(const std::exception& error);
 
 } // namespace lumarin

@@ -5,14 +5,14 @@ namespace {
 
 using namespace platform;
 
-constexpr double cornerRadius = Pill::height / 2;
+constexpr double cornerRadius = Pill::pillHeight / 2;
 constexpr double shimmerWidth = 112;
 constexpr auto warmWhite = Color::calibrated(0.96, 0.94, 0.91, 0.9);
 constexpr auto accentPurple = Color::calibrated(0.58, 0.48, 0.98, 1.0);
 
 std::shared_ptr<Panel> makePanel(double width) {
     auto panel =
-        std::make_shared<Panel>(Rect{0, 0, width, Pill::height}, Window::StyleMask::nonactivatingPanel);
+        std::make_shared<Panel>(Rect{0, 0, width, Pill::pillHeight}, Window::StyleMask::nonactivatingPanel);
     panel->setFloatingPanel(true);
     panel->setBackgroundColor(Color::clear());
     panel->isOpaque = false;
@@ -58,7 +58,7 @@ std::shared_ptr<Layer> makeCursor() {
 
 std::shared_ptr<GradientLayer> makeShimmer() {
     return Pill::makeGradient(
-        {-shimmerWidth / 2, 0, shimmerWidth, Pill::height},
+        {-shimmerWidth / 2, 0, shimmerWidth, Pill::pillHeight},
         {Color::clear(), Color::white(1, 0.08), Color::white(1, 0.15), Color::white(1, 0.08), Color::clear()},
         {0, 0.35, 0.5, 0.65, 1});
 }
@@ -74,11 +74,11 @@ std::shared_ptr<GradientLayer> makeGlow(const Rect& frame) {
 
 Pill::Pill(double width)
     : panel(makePanel(width)),
-      visualEffect(makeBody({0, 0, width, height})),
+      visualEffect(makeBody({0, 0, width, pillHeight})),
       textField(makeLabel(labelFrame(width))),
       cursorLayer(makeCursor()),
       shimmerLayer(makeShimmer()),
-      glowLayer(makeGlow({0, 0, width, height})) {
+      glowLayer(makeGlow({0, 0, width, pillHeight})) {
     panel->setContentView(visualEffect);
     visualEffect->layer()->addSublayer(glowLayer);
     visualEffect->layer()->addSublayer(shimmerLayer);
@@ -87,7 +87,7 @@ Pill::Pill(double width)
 }
 
 Rect Pill::labelFrame(double pillWidth) {
-    return {inset, 0, pillWidth - 2 * inset, height};
+    return {inset, 0, pillWidth - 2 * inset, pillHeight};
 }
 
 Rect Pill::cursorFrame(double x) {

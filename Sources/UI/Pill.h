@@ -10,7 +10,7 @@ namespace lumarin {
 // A capsule of frosted glass with all that is in it, made empty and transparent and not yet on the screen; it
 // goes from there at the end of its life. Main thread.
 struct Pill {
-    static constexpr double height = 44;
+    static constexpr double pillHeight = 44;
     // Between the ends of the pill and its label.
     static constexpr double inset = 16;
     static constexpr auto font = platform::Font::systemFont(14, platform::FontWeight::medium);

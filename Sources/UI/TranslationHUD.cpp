@@ -47,7 +47,7 @@ void TranslationHUD::bringIn(double width) {
     pill.emplace(width);
     if (const auto screen = Screen::mainScreen())
         pill->panel->setFrameOrigin({screen->visibleFrame.midX() - width * 0.5,
-                                     screen->visibleFrame.maxY() - Pill::height - topMargin});
+                                     screen->visibleFrame.maxY() - Pill::pillHeight - topMargin});
     pill->panel->orderFrontRegardless();
 
     auto& body = *pill->visualEffect->layer();
@@ -73,7 +73,8 @@ void TranslationHUD::update(const std::string& text) {
         return;
     const double textWidth = textWidthOf(text);
     const double width = widthFor(textWidth);
-    const Rect frame{screen->visibleFrame.midX() - width * 0.5, pill->panel->frame().y, width, Pill::height};
+    const Rect frame{screen->visibleFrame.midX() - width * 0.5, pill->panel->frame().y, width,
+                     Pill::pillHeight};
     // A pill on its way there is let arrive: begun anew at each of many texts, it would hardly move.
     if (frame != pill->panel->frame()) {
         AnimationContext::runAnimationGroup([&](AnimationContext& context) {
@@ -82,7 +83,7 @@ void TranslationHUD::update(const std::string& text) {
             pill->panel->animator().setFrame(frame);
         });
         const Transaction transaction(180ms);
-        pill->glowLayer->setFrame({0, 0, width, Pill::height});
+        pill->glowLayer->setFrame({0, 0, width, Pill::pillHeight});
     }
     pill->textField->setFrame(Pill::labelFrame(width));
     const auto transaction = Transaction::withActionsDisabled();
@@ -132,7 +133,7 @@ void TranslationHUD::sweepAndPulse() {
     auto& body = *pill->visualEffect->layer();
     const double width = pill->panel->frame().width;
     auto sweep =
-        Pill::makeGradient({-width, 0, width, Pill::height},
+        Pill::makeGradient({-width, 0, width, Pill::pillHeight},
                            {Color::clear(), successGreen.withAlphaComponent(0.12), Color::white(1, 0.2),
                             successGreen.withAlphaComponent(0.12), Color::clear()},
                            {0, 0.3, 0.5, 0.7, 1});

@@ -36,20 +36,26 @@ void AppDelegate::applicationDidFinishLaunching() {
     LumLog::log("App started");
 }
 
+void AppDelegate::applicationDidReopen() {
+    // An open menu would get the keys that are typed for a field.
+    if (statusItem_ && stateMachine->state.value() == TranslationState::idle)
+        statusItem_->performClick();
+}
+
 void AppDelegate::subscribe() {
     const auto self = weak_from_this();
     auto rebuild = [self] {
         if (auto delegate = self.lock())
             delegate->setupMenu();
     };
-    subscriptions.push_back(stateMachine->state.subscribe([self](TranslationState state) {
+    cancellables.push_back(stateMachine->state.subscribe([self](TranslationState state) {
         if (auto delegate = self.lock())
             delegate->updateIcon(state);
     }));
-    subscriptions.push_back(stateMachine->currentStyle.subscribe([rebuild](auto) { rebuild(); }));
-    subscriptions.push_back(stateMachine->currentLanguage.subscribe([rebuild](auto) { rebuild(); }));
-    subscriptions.push_back(stateMachine->currentMode.subscribe([rebuild](auto) { rebuild(); }));
-    subscriptions.push_back(
+    cancellables.push_back(stateMachine->currentStyle.subscribe([rebuild](auto) { rebuild(); }));
+    cancellables.push_back(stateMachine->currentLanguage.subscribe([rebuild](auto) { rebuild(); }));
+    cancellables.push_back(stateMachine->currentMode.subscribe([rebuild](auto) { rebuild(); }));
+    cancellables.push_back(
         Host::current().notificationCenter().observe(LocalizationManager::languageChanged, rebuild));
 }
 

@@ -19,6 +19,7 @@ class AppDelegate : public platform::ApplicationDelegate,
                     public std::enable_shared_from_this<AppDelegate> {
 public:
     void applicationDidFinishLaunching() override;
+    void applicationDidReopen() override;
     platform::StatusItem* statusItem() override { return statusItem_.get(); }
 
     void updaterDidFindValidUpdate(const platform::AppcastItem& update) override;
@@ -56,7 +57,7 @@ private:
 
     std::unique_ptr<platform::StatusItem> statusItem_;
     const std::shared_ptr<TranslationStateMachine> stateMachine = std::make_shared<TranslationStateMachine>();
-    std::vector<platform::Subscription> subscriptions;
+    std::vector<platform::Subscription> cancellables;
     // Whether the last check found an update.
     bool updateAvailable = false;
     // From the first check on.

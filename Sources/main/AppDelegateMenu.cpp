@@ -68,6 +68,17 @@ std::vector<MenuItem> choices(const std::array<Enumeration, allCases<Enumeration
     return items;
 }
 
+// Takes over, and keeps, the value of the chosen item; false if it has none of that kind.
+template <typename Value>
+bool choose(const MenuItem& chosen, platform::Published<Value>& current, void (*save)(Value)) {
+    const auto* value = std::any_cast<Value>(&chosen.representedObject);
+    if (!value)
+        return false;
+    current = *value;
+    save(*value);
+    return true;
+}
+
 } // namespace
 
 void AppDelegate::setupMenu() {
@@ -150,30 +161,18 @@ MenuItem AppDelegate::makeItem(std::string title, MenuAction action, std::any re
 
 // The menu is built once more after each change: observers of a value are told before it reads back as new.
 void AppDelegate::changeMode(const MenuItem& chosen) {
-    const auto* mode = std::any_cast<TranslationMode>(&chosen.representedObject);
-    if (!mode)
-        return;
-    stateMachine->currentMode = *mode;
-    KeychainManager::saveMode(*mode);
-    setupMenu();
+    if (choose(chosen, stateMachine->currentMode, KeychainManager::saveMode))
+        setupMenu();
 }
 
 void AppDelegate::changeLanguage(const MenuItem& chosen) {
-    const auto* language = std::any_cast<TargetLanguage>(&chosen.representedObject);
-    if (!language)
-        return;
-    stateMachine->currentLanguage = *language;
-    KeychainManager::saveTargetLanguage(*language);
-    setupMenu();
+    if (choose(chosen, stateMachine->currentLanguage, KeychainManager::saveTargetLanguage))
+        setupMenu();
 }
 
 void AppDelegate::changeStyle(const MenuItem& chosen) {
-    const auto* style = std::any_cast<StylePreset>(&chosen.representedObject);
-    if (!style)
-        return;
-    stateMachine->currentStyle = *style;
-    KeychainManager::saveStyle(*style);
-    setupMenu();
+    if (choose(chosen, stateMachine->currentStyle, KeychainManager::saveStyle))
+        setupMenu();
 }
 
 void AppDelegate::changeUILanguage(const MenuItem& chosen) {

@@ -1,13 +1,17 @@
 #include "Core/LocalizationManager.h"
+#include "Core/LocalizedError.h"
 #include "main/AppDelegate.h"
 
 namespace lumarin {
 
 void AppDelegate::checkForUpdates(const platform::MenuItem& /*chosen*/) {
     if (!updaterController)
-        updaterController.emplace(weak_from_this(), [](const std::string& key) {
-            return LocalizationManager::shared().localized(key, "Updates");
-        });
+        updaterController.emplace(weak_from_this(),
+                                  platform::StandardUpdaterController::Texts{
+                                      [](const std::string& key) {
+                                          return LocalizationManager::shared().localized(key, "Updates");
+                                      },
+                                      localizedDescription});
     updaterController->checkForUpdates();
 }
 

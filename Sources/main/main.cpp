@@ -6,21 +6,24 @@
 #include <csignal>
 #include <cstdio>
 
-int main(int argumentCount, char** arguments) {
+int main(int /*argumentCount*/, char** arguments) {
     using namespace platform::desktop;
     // Whoever reads our output may go away.
     std::signal(SIGPIPE, SIG_IGN);
     const SingleInstance instance(sessionDirectories().configuration);
     if (instance.isTaken()) {
-        std::fputs("Lumarin is already running.\n", stderr);
-        return 1;
+        const bool isTold = instance.callOwner();
+        std::fputs(isTold ? "Lumarin is already running; its menu or open window comes to the front.\n"
+                          : "Lumarin is already running and cannot be told to come to the front.\n",
+                   stderr);
+        return isTold ? 0 : 1;
     }
     try {
-        DesktopHost host(argumentCount, arguments);
+        DesktopHost host(arguments[0]);
         platform::Host::setCurrent(&host);
         lumarin::beginLog();
         lumarin::runApp();
-        return 0;
+        host.exit();
     } catch (const DisplayError& error) {
         std::fprintf(stderr, "%s\n", error.what());
         return 1;

@@ -16,7 +16,7 @@ std::string installProgram(const TemporaryFolder& folder, const ServiceDouble& s
     info["LumarinServiceURL"] = service.url();
     info["LumarinServiceCertificate"] = "test.pem";
     folder.write("installed/Resources/Info.json", info.dump());
-    folder.write("installed/Resources/test.pem", service.authorityPEM());
+    folder.write("installed/Resources/test.pem", service.certificatePEM());
     return program / "Lumarin";
 }
 
@@ -45,8 +45,7 @@ void AcceptanceProgram::emptyGesture(Person& person) {
     person.press(Key::rightControl);
     running->awaitLine("[SM] Error: emptyText");
     person.release(Key::rightControl);
-    // The message is shown for two seconds, in which the key is not heeded.
-    std::this_thread::sleep_for(2200ms);
+    std::this_thread::sleep_for(errorTime);
 }
 
 } // namespace tests

@@ -1,14 +1,17 @@
 #pragma once
 
 #include "Acceptance/Display.h"
-#include "Acceptance/Person.h"
 #include "Acceptance/ServiceDouble.h"
+#include "Desktop/Person.h"
 
 namespace tests {
 
 // The real program on the display, with a copy of its resources that names the test's service.
 class AcceptanceProgram {
 public:
+    // An error's message is shown for two seconds, in which the key is not heeded.
+    static constexpr auto errorTime = 2200ms;
+
     AcceptanceProgram(const Display& display, const ServiceDouble& service);
 
     // Holds the key until the translation is there, lets go, and waits until it has been pasted. When the key
@@ -18,13 +21,13 @@ public:
     // Lets go of the key long before the translation is there.
     void quickGesture(Person& person);
 
-    // Holds the key and lets go where there is nothing to translate.
+    // Holds the key and lets go where there is nothing to translate. Returns when the message has gone.
     void emptyGesture(Person& person);
 
-    DisplayProcess& process() { return *running; }
+    TestProcess& process() { return *running; }
 
 private:
-    std::unique_ptr<DisplayProcess> running;
+    std::unique_ptr<TestProcess> running;
 };
 
 // The command that starts the program from a folder of its own there.

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "Acceptance/AcceptanceProgram.h"
-#include "Acceptance/SlowEditorClient.h"
-#include "Desktop/SelectionClient.h"
+#include "Acceptance/TestEditor.h"
 
 #include <gtest/gtest.h>
 

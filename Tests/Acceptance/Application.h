@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Acceptance/Display.h"
-#include "Acceptance/Person.h"
+#include "Desktop/Person.h"
 
 namespace tests {
 
@@ -20,7 +20,7 @@ public:
 private:
     Person& user;
     std::filesystem::path file;
-    std::unique_ptr<DisplayProcess> process;
+    std::unique_ptr<TestProcess> process;
 };
 
 } // namespace tests

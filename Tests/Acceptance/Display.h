@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Desktop/WindowManager.h"
 #include "Desktop/XServer.h"
 #include "Support/TemporaryFolder.h"
 
@@ -14,7 +15,7 @@ public:
     // Layouts and options as setxkbmap takes them.
     explicit Display(const std::vector<std::string>& keyboardMap = {"us"});
 
-    std::unique_ptr<DisplayProcess> start(const std::vector<std::string>& command) const;
+    std::unique_ptr<TestProcess> start(const std::vector<std::string>& command) const;
 
     // The bus of what is started from now on; without one, nobody has any.
     void setSessionBus(const std::string& address) { environment["DBUS_SESSION_BUS_ADDRESS"] = address; }
@@ -32,8 +33,8 @@ public:
 
 private:
     XServer server;
-    DisplayProcess::Environment environment;
-    std::unique_ptr<DisplayProcess> windowManager;
+    TestProcess::Environment environment;
+    std::optional<WindowManager> windowManager;
 };
 
 } // namespace tests

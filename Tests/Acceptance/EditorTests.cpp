@@ -119,60 +119,19 @@ TEST(AcceptanceTerminal, IsNotInterruptedByTheHeldKey) {
     desk.display.keepScreenshot("xterm");
 }
 
-class AcceptanceKeys : public testing::Test {
-protected:
-    void gestureGives(const std::string& text) {
-        desk.program.gesture(desk.person);
-        EXPECT_EQ(editor.content().text, text);
-    }
-
-    AcceptanceDesk desk;
-    SlowEditorClient editor{desk.display};
-};
-
-TEST_F(AcceptanceKeys, WorkWithShiftHeldAndCapsLockOn) {
-    for (auto key : {Key::leftShift, Key::capsLock}) {
-        editor.setUp("Hello", 0, 0);
-        desk.person.press(key);
-        if (key == Key::capsLock)
-            desk.person.release(key);
-        gestureGives("T(Hello)");
-        desk.person.strike({Key::x});
-        EXPECT_EQ(editor.content().text, "T(Hello)X") << "The person's own Shift or Caps Lock is gone";
-        if (key == Key::leftShift)
-            desk.person.release(key);
-        desk.person.strike({Key::x});
-        EXPECT_EQ(editor.content().text, key == Key::leftShift ? "T(Hello)Xx" : "T(Hello)XX");
-    }
-}
-
 // The held key is a Control key to applications unless they are made to believe that it is up.
-TEST_F(AcceptanceKeys, TypedDuringTheHoldReachTheApplication) {
+TEST(AcceptanceKeys, TypedDuringTheHoldReachTheApplication) {
+    AcceptanceDesk desk;
+    const TestEditor editor;
     desk.service.thinking = 500ms;
-    editor.setUp("Hello", 0, 0);
+    editor.setUp("Hello");
     desk.person.press(Key::rightControl);
     desk.program.process().awaitLine("[SM] Translating");
     desk.person.strike({Key::x});
-    EXPECT_TRUE(comesTrue([&] { return editor.content().text == "Hellox"; })) << editor.content().text;
+    EXPECT_TRUE(editor.comesToHold("Hellox")) << editor.content();
     desk.program.process().awaitLine("[SM] Done: ");
     desk.person.release(Key::rightControl);
-    desk.program.process().awaitLine("[SM] Injected");
-    EXPECT_EQ(editor.content().text, "T(Hello)");
-}
-
-TEST_F(AcceptanceKeys, RepeatNothingWhileFnIsHeld) {
-    desk.service.thinking = 1500ms;
-    editor.setUp("Hello", 0, 0);
-    gestureGives("T(Hello)");
-    const auto log = desk.program.process().output();
-    EXPECT_EQ(log.find("ignored"), std::string::npos) << log;
-    EXPECT_EQ(log.find("Fn DOWN"), log.rfind("Fn DOWN")) << log;
-}
-
-TEST_F(AcceptanceKeys, ReleasedAtOnceAreHeeded) {
-    editor.setUp("Hello world", 6, 11);
-    desk.program.quickGesture(desk.person);
-    EXPECT_EQ(editor.content().text, "Hello T(world)");
+    EXPECT_TRUE(editor.comesToHold("T(Hello)")) << editor.content();
 }
 
 } // namespace tests

@@ -54,7 +54,7 @@ private:
     QDBusMessage ask(const QString& path, const QString& interface, const QString& method,
                      const QVariantList& arguments) const;
 
-    DisplayProcess daemon;
+    TestProcess daemon;
     QThread thread;
     std::unique_ptr<Watcher> watcher;
     std::unique_ptr<QDBusConnection> bus;

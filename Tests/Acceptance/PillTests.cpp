@@ -1,6 +1,5 @@
 #include "Acceptance/AcceptanceTest.h"
 #include "Desktop/Windows.h"
-#include "Platform/Desktop/ActiveWindow.h"
 
 #include <algorithm>
 
@@ -11,10 +10,10 @@ using namespace platform::desktop;
 TEST(AcceptancePill, IsBeforeAFullScreenWindowAndTakesNothingFromIt) {
     AcceptanceDesk desk;
     desk.service.thinking = 700ms;
-    SlowEditorClient editor(desk.display);
-    editor.setUp("Hello", 1, 1);
+    const TestEditor editor;
+    editor.setUp("Hello");
     const XConnection x;
-    const auto field = activeWindow(x);
+    const auto field = editor.window();
     ASSERT_TRUE(becomeFullScreen(x, field));
     // All that could be taken from it is news from now on.
     const std::uint32_t fieldNews = XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_BUTTON_PRESS;
@@ -34,7 +33,7 @@ TEST(AcceptancePill, IsBeforeAFullScreenWindowAndTakesNothingFromIt) {
     desk.person.release(Key::rightControl);
     desk.program.process().awaitLine("[SM] Injected");
     EXPECT_TRUE(comesTrue([&] { return !isPill(x, frontWindow(x)); }));
-    EXPECT_EQ(editor.content().text, "T(Hello)");
+    EXPECT_TRUE(editor.comesToHold("T(Hello)"));
 
     int clicks = 0;
     while (const XOwned<xcb_generic_event_t> event{xcb_poll_for_event(x)}) {

@@ -22,21 +22,12 @@ std::vector<std::string> piecesOf(const std::string& text) {
 
 } // namespace
 
-std::string ServiceDouble::lastRequest() const {
-    const std::lock_guard lock(mutex);
-    return last;
-}
-
 void ServiceDouble::serve(TLSConnection& connection) {
     while (const auto request = connection.readRequest()) {
         requested = Clock::now();
         if (!request->head.starts_with("POST /v1/translate ")) {
             connection.send(answer("200 OK", "", ""));
             continue;
-        }
-        {
-            const std::lock_guard lock(mutex);
-            last = request->body;
         }
         std::this_thread::sleep_for(thinking.load());
         const std::string text = nlohmann::json::parse(request->body)["text"];

@@ -41,43 +41,103 @@ std::ptrdiff_t openFiles(pid_t process) {
 class AcceptanceSlowEditor : public testing::Test {
 protected:
     // A gesture on a text of its own, of which a part is selected or nothing.
-    void gesture(int number, bool isPartial, std::chrono::milliseconds keyDelay = 0ms,
-                 std::chrono::milliseconds fetchDelay = 0ms) {
-        const auto part = "text " + std::to_string(number);
-        const auto text = isPartial ? "before " + part + " after" : part;
-        const auto from = isPartial ? std::size_t{7} : text.size();
-        editor.setUp(text, from, isPartial ? from + part.size() : from, keyDelay, fetchDelay);
-        if (number % 2 == 0)
+    void gesture(const TestEditor& editor, bool isPartial, std::chrono::milliseconds keyDelay = 0ms,
+                 std::chrono::milliseconds pasteDelay = 0ms) {
+        const auto part = "text " + std::to_string(++number);
+        editor.setUp(isPartial ? "before [" + part + "] after" : part, keyDelay, pasteDelay);
+        if (number / 2 % 2 == 0)
             desk.program.gesture(desk.person);
         else
             desk.program.quickGesture(desk.person);
-        const auto expected = isPartial ? "before T(" + part + ") after" : "T(" + part + ")";
-        EXPECT_EQ(editor.content().text, expected)
-            << "busy " << keyDelay.count() << " ms, late " << fetchDelay.count() << " ms";
+        const auto translated = "T(" + part + ")";
+        EXPECT_TRUE(editor.comesToHold(isPartial ? "before " + translated + " after" : translated))
+            << editor.content() << ", busy " << keyDelay.count() << " ms, late " << pasteDelay.count()
+            << " ms";
+        expectUsersClipboard();
     }
 
+    void expectUsersClipboard() { EXPECT_EQ(clipboardContent(probe), users); }
+
     AcceptanceDesk desk;
-    SlowEditorClient editor{desk.display};
+    SelectionClient owner{{.owned = {{{"UTF8_STRING", "UTF8_STRING", 8, "the user's"},
+                                      {"image/png", "image/png", 8, "pixels"}}}}};
     SelectionProbe probe;
+    const ClipboardContent users = clipboardContent(probe);
+    int number = 0;
 };
 
 TEST_F(AcceptanceSlowEditor, NeverLosesItsSelectionNorGetsAnOldClipboard) {
-    SelectionClient owner({.owned = platform::desktop::SelectionContent::of("the user's").forms});
+    using Delays = std::vector<std::pair<std::chrono::milliseconds, std::chrono::milliseconds>>;
+    const std::tuple<const char*, ClientScript, Delays> editors[] = {
+        {"ordinary",
+         {},
+         {{0ms, 0ms}, {100ms, 0ms}, {500ms, 0ms}, {900ms, 0ms}, {0ms, 100ms}, {0ms, 500ms}, {0ms, 900ms}}},
+        {"with a queue of its own", {.pongsBeforeKeys = true}, {{500ms, 0ms}}},
+        {"without ping, owning the other selection",
+         {.speaksPing = false, .ownsPrimary = true},
+         {{500ms, 0ms}, {0ms, 500ms}}},
+        {"without ping", {.speaksPing = false}, {{500ms, 0ms}}},
+    };
+    const SelectionClient manager({.fetchesEachChange = true});
     const int rounds = isFullRun() ? 13 : 1;
-    int number = 0;
     for (int round = 0; round < rounds; ++round)
-        for (auto delay : {0ms, 100ms, 500ms, 900ms})
-            for (bool isPartial : {true, false}) {
-                gesture(number, isPartial, delay, 0ms);
-                gesture(number + 1, isPartial, 0ms, delay);
-                ++number;
-            }
-    const auto text = probe.fetch("UTF8_STRING");
-    EXPECT_EQ(text ? text->bytes : "", "the user's");
+        for (const auto& [name, script, delays] : editors) {
+            SCOPED_TRACE(name);
+            const TestEditor editor(script);
+            for (const auto& [keyDelay, pasteDelay] : delays)
+                for (bool isPartial : {true, false})
+                    gesture(editor, isPartial, keyDelay, pasteDelay);
+        }
+}
+
+TEST_F(AcceptanceSlowEditor, IsTranslatedBesideAnEagerClipboardManager) {
+    const SelectionClient manager({.fetchesEachChange = true, .fillsEmpty = "the user's"});
+    const TestEditor editor;
+    for (auto delay : {0ms, 500ms})
+        for (bool isPartial : {true, false})
+            gesture(editor, isPartial, delay, delay);
+}
+
+TEST_F(AcceptanceSlowEditor, CostsNothingWhenItIsNotSlow) {
+    const TestEditor editor;
+    auto shortest = Clock::duration::max();
+    for (int round = 0; round < 5; ++round) {
+        editor.setUp("whole field");
+        const auto begin = Clock::now();
+        desk.program.quickGesture(desk.person);
+        shortest = std::min(shortest, Clock::now() - begin);
+    }
+    // Any wait that is not ended by what it waits for takes more than a second.
+    EXPECT_LT(shortest, 1500ms);
+}
+
+// It wakes up when the gesture has been given up: nothing that it copies then stays on the clipboard.
+TEST_F(AcceptanceSlowEditor, IsGivenUpAndItsLateCopyIsTakenBack) {
+    const auto giveUp = [this](const TestEditor& editor, std::chrono::milliseconds keyDelay) {
+        editor.setUp("kept [text]", keyDelay);
+        const auto begin = Clock::now();
+        desk.program.emptyGesture(desk.person);
+        EXPECT_LT(Clock::now() - begin, 5s + AcceptanceProgram::errorTime);
+    };
+    giveUp(TestEditor(), 60s);
+    expectUsersClipboard();
+    const TestEditor editor;
+    giveUp(editor, 1500ms);
+    // The arrow is the last key of the gesture.
+    EXPECT_TRUE(editor.comesToHold("kept text"));
+    std::this_thread::sleep_for(100ms);
+    expectUsersClipboard();
+    // What the user copies from then on is the user's.
+    editor.setUp("kept [own]");
+    desk.person.strike({Key::leftControl, Key::c});
+    EXPECT_TRUE(comesTrue([this] {
+        const auto text = probe.fetch("UTF8_STRING");
+        return text && text->bytes == "own";
+    }));
 }
 
 TEST_F(AcceptanceSlowEditor, IsTranslatedTimeAndAgainWithNothingLeftBehind) {
-    SelectionClient owner({.owned = platform::desktop::SelectionContent::of("the user's").forms});
+    const TestEditor editor;
     const auto process = desk.program.process().pid();
     const platform::desktop::XConnection x;
     // What is made once is there after the first few.
@@ -86,13 +146,13 @@ TEST_F(AcceptanceSlowEditor, IsTranslatedTimeAndAgainWithNothingLeftBehind) {
     long memory = 0;
     std::ptrdiff_t files = 0;
     std::uint64_t resources = 0;
-    for (int number = 0; number < gestures + settled; ++number) {
-        if (number == settled) {
+    for (int count = 0; count < gestures + settled; ++count) {
+        if (count == settled) {
             memory = residentKilobytes(process);
             files = openFiles(process);
             resources = countOfResources(x);
         }
-        gesture(number, number % 3 == 0);
+        gesture(editor, count % 3 == 0);
     }
     const auto memoryAfter = residentKilobytes(process);
     std::cout << gestures << " gestures: memory " << memory << " -> " << memoryAfter << " kB, files " << files

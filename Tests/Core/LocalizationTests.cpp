@@ -1,14 +1,26 @@
 #include "Core/LocalizationManager.h"
+#include "Core/LocalizedError.h"
+#include "Core/TranslationError.h"
 #include "Models/TargetLanguage.h"
 #include "Models/TranslationState.h"
+#include "Platform/Foundation/HTTPError.h"
 #include "Platform/Foundation/StringsFile.h"
 #include "Support/HeadlessTest.h"
+
+#include <nlohmann/json.hpp>
 
 using namespace lumarin;
 using namespace tests;
 using Language = LocalizationManager::Language;
 
 namespace {
+
+using Table = std::map<std::string, std::string>;
+
+Table table(const std::string& language, const std::string& name) {
+    return platform::parseStrings(bytesOf(LUMARIN_RESOURCES "/" + language + ".lproj/" + name + ".strings"))
+        .value();
+}
 
 std::vector<std::string> directives(const std::string& text) {
     std::vector<std::string> found;
@@ -20,24 +32,19 @@ std::vector<std::string> directives(const std::string& text) {
 } // namespace
 
 TEST(StringTables, HoldTheSameKeysWithTheSamePlaceholders) {
-    auto table = [](const char* name) {
-        auto parsed = platform::parseStrings(
-            bytesOf(std::string(LUMARIN_RESOURCES "/") + name + "/Localizable.strings"));
-        return parsed.value();
-    };
-    auto english = table("en.lproj");
-    auto chinese = table("zh-Hans.lproj");
-    const std::map<std::string, std::size_t> formats{
-        {"menu.status.ready", 2}, {"diagnostics.done.body", 1}, {"error.network", 1}, {"error.api", 1}};
-    for (const auto& [key, text] : english) {
-        ASSERT_TRUE(chinese.contains(key)) << key;
-        auto expected = formats.contains(key) ? formats.at(key) : 0;
-        for (const auto& translated : {text, chinese.at(key)}) {
-            EXPECT_FALSE(translated.empty()) << key;
-            EXPECT_EQ(directives(translated), std::vector<std::string>(expected, "%@")) << key;
+    for (const char* name : {"Localizable", "Host", "Updates"}) {
+        const auto english = table("en", name);
+        const auto chinese = table("zh-Hans", name);
+        EXPECT_EQ(english.size(), chinese.size()) << name;
+        for (const auto& [key, text] : english) {
+            ASSERT_TRUE(chinese.contains(key)) << key;
+            EXPECT_FALSE(text.empty() || chinese.at(key).empty()) << key;
+            EXPECT_EQ(directives(text), directives(chinese.at(key))) << key;
+            for (const auto& directive : directives(text))
+                EXPECT_EQ(directive, "%@") << key;
         }
     }
-    EXPECT_EQ(english.size(), chinese.size());
+    const auto english = table("en", "Localizable");
     for (auto value : allCases<TargetLanguage>())
         EXPECT_TRUE(english.contains("lang." + std::string(rawValue(value))));
     for (auto value : allCases<StylePreset>())
@@ -73,6 +80,25 @@ TEST_F(Localization, AnnouncesEveryChoice) {
     localization.setLanguage(Language::en);
     EXPECT_EQ(announced, 2);
     EXPECT_EQ(localization.currentLanguage(), Language::en);
+}
+
+TEST_F(Localization, TellsOfErrorsInTheLanguageOfTheInterface) {
+    const platform::HTTPError refused("Could not connect to %@.", "localhost");
+    const platform::HTTPError untold("Said by the library: %@", "no route");
+    const auto refusal = TranslationError::apiError("HTTP 500: 100%@");
+    auto told = [](const std::exception& error) { return localizedDescription(error); };
+    localization.setLanguage(Language::zh);
+    EXPECT_EQ(told(refused), "无法连接到 localhost。");
+    EXPECT_EQ(told(untold), "Said by the library: no route");
+    EXPECT_EQ(told(refusal), "翻译服务返回错误：HTTP 500: 100%@");
+    localization.setLanguage(Language::en);
+    EXPECT_EQ(told(refused), refused.what());
+    EXPECT_EQ(told(refusal), "The translation service reported a problem: HTTP 500: 100%@");
+    try {
+        FAIL() << nlohmann::json::parse("<html>");
+    } catch (const std::exception& error) {
+        EXPECT_EQ(told(error), "The server's answer could not be read.");
+    }
 }
 
 TEST(LocalizationWithoutTheTables, FallsBackToEnglishAndThenToTheKey) {

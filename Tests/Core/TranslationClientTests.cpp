@@ -1,7 +1,6 @@
 #include "Core/DeviceID.h"
 #include "Core/FreeTranslator.h"
 #include "Core/LLMTranslator.h"
-#include "Core/LocalizationManager.h"
 #include "Core/TranslationError.h"
 #include "Core/TranslationPrompt.h"
 #include "Support/HeadlessTest.h"
@@ -83,6 +82,8 @@ TEST_F(TranslationClients, ErrorsCarryTheBeginningOfTheAnswer) {
         expected += count < 200 ? "好" : "";
     }
     EXPECT_EQ(stream(body), "apiError(\"HTTP 500: " + expected + "\")");
+    EXPECT_EQ(stream("好\n" + std::string(2'000'000, 'x')), "apiError(\"HTTP 500: 好\")")
+        << "an endless line";
 
     answer.status = 403;
     answer.pieces = {std::string(500, 'x')};
@@ -125,20 +126,11 @@ TEST_F(TranslationClients, DeviceIDIsKeptAsStoredAndMadeAnewWhenGone) {
     auto& defaults = host.userDefaults();
     auto created = DeviceID::current();
     EXPECT_EQ(created.size(), 36U);
-    EXPECT_EQ(created.find_first_not_of("0123456789ABCDEF-"), std::string::npos);
     EXPECT_EQ(DeviceID::current(), created);
     defaults.remove("Lumarin.deviceID");
     EXPECT_NE(DeviceID::current(), created);
     defaults.set("Lumarin.deviceID", "any-thing");
     EXPECT_EQ(DeviceID::current(), "any-thing");
-}
-
-TEST_F(TranslationClients, ErrorTextsFollowTheInterfaceLanguage) {
-    auto& localization = LocalizationManager::shared();
-    auto error = TranslationError::apiError("HTTP 500: 100%@");
-    EXPECT_EQ(error.errorDescription(), "The translation service reported a problem: HTTP 500: 100%@");
-    localization.setLanguage(LocalizationManager::Language::zh);
-    EXPECT_EQ(error.errorDescription(), "翻译服务返回错误：HTTP 500: 100%@");
 }
 
 TEST(TranslationPrompt, IsPutTogetherFromItsPieces) {

@@ -66,51 +66,46 @@ TEST_F(Settings, DamagedFileIsReplacedByTheNextSave) {
 
 // Whatever stands in the place of a file, the program starts with its defaults and leaves it as it was.
 TEST(BadFiles, NeitherStopTheProgramNorAreWrittenOver) {
-    const std::pair<const char*, std::string> contents[] = {
-        {"empty", ""},
-        {"truncated", R"({"mode": "free", "targetLang": "ger)"},
-        {"wrong type", R"({"mode": "free", "targetLang": 5})"},
-        {"an array", R"(["free"])"},
-        {"invalid UTF-8", "{\"mode\": \"free\", \"\xff\": \"\xc3\"}"},
-        {"deeply nested", std::string(1'000'000, '[')},
+    using Put = std::function<void(const std::filesystem::path&)>;
+    const auto bytes = [](const std::string& content) -> Put {
+        return [=](const std::filesystem::path& path) { writeFile(path, content); };
     };
-    auto start = [](const TemporaryFolder& folder, const std::string& what) {
+    const std::pair<const char*, Put> things[] = {
+        {"empty", bytes("")},
+        {"truncated", bytes(R"({"mode": "free", "targetLang": "ger)")},
+        {"wrong type", bytes(R"({"mode": "free", "targetLang": 5})")},
+        {"an array", bytes(R"(["free"])")},
+        {"invalid UTF-8", bytes("{\"mode\": \"free\", \"\xff\": \"\xc3\"}")},
+        {"deeply nested", bytes(std::string(1'000'000, '['))},
+        {"a folder", [](const auto& path) { std::filesystem::create_directories(path); }},
+        {"100 MiB",
+         [](const auto& path) {
+             writeFile(path, "{");
+             std::filesystem::resize_file(path, 100 << 20);
+         }},
+    };
+    for (const auto& [what, put] : things) {
+        SCOPED_TRACE(what);
+        const TemporaryFolder folder;
+        const auto data = folder / "Application Support" / "Lumarin";
+        std::map<std::filesystem::path, std::filesystem::file_time_type> times;
+        for (const auto& path :
+             {data / "config.json", data / "custom-terms.json", folder / "resources/Info.json",
+              folder / "resources/en.lproj/Localizable.strings"}) {
+            put(path);
+            times[path] = std::filesystem::last_write_time(path);
+        }
+        put(folder / "Configuration" / "defaults.json");
         platform::headless::HeadlessHost host(folder.path(), folder / "resources");
         platform::Host::setCurrent(&host);
         auto machine = std::make_shared<TranslationStateMachine>();
         machine->setup();
         host.advance(1s);
-        EXPECT_EQ(machine->currentMode.value(), TranslationMode::ai) << what;
-        EXPECT_EQ(machine->currentLanguage.value(), TargetLanguage::english) << what;
-        EXPECT_EQ(LocalizationManager::shared().localized("menu.quit"), "menu.quit") << what;
-        EXPECT_TRUE(host.keys.pressFn()) << what;
-    };
-    auto paths = [](const TemporaryFolder& folder) {
-        const auto data = folder / "Application Support" / "Lumarin";
-        return std::vector<std::filesystem::path>{data / "config.json", data / "custom-terms.json",
-                                                  folder / "resources" / "Info.json",
-                                                  folder / "resources" / "en.lproj/Localizable.strings"};
-    };
-    for (const auto& [what, bytes] : contents) {
-        TemporaryFolder folder;
-        for (const auto& path : paths(folder))
-            writeFile(path, bytes);
-        writeFile(folder / "Configuration" / "defaults.json", bytes);
-        start(folder, what);
-        for (const auto& path : paths(folder))
-            EXPECT_EQ(bytesOf(path), bytes) << what << ": " << path;
+        EXPECT_EQ(machine->currentMode.value(), TranslationMode::ai);
+        EXPECT_EQ(machine->currentLanguage.value(), TargetLanguage::english);
+        EXPECT_EQ(LocalizationManager::shared().localized("menu.quit"), "menu.quit");
+        EXPECT_TRUE(host.keys.pressFn());
+        for (const auto& [path, time] : times)
+            EXPECT_EQ(std::filesystem::last_write_time(path), time) << path;
     }
-    TemporaryFolder folders;
-    for (const auto& path : paths(folders))
-        std::filesystem::create_directories(path);
-    std::filesystem::create_directories(folders / "Configuration" / "defaults.json");
-    start(folders, "a folder");
-    TemporaryFolder huge;
-    for (const auto& path : paths(huge)) {
-        writeFile(path, "{");
-        std::filesystem::resize_file(path, 100 << 20);
-    }
-    start(huge, "100 MiB");
-    for (const auto& path : paths(huge))
-        EXPECT_EQ(std::filesystem::file_size(path), 100U << 20U);
 }

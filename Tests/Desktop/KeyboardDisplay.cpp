@@ -56,15 +56,4 @@ std::vector<SeenKey> TestApplication::takeKeys() {
     return result;
 }
 
-std::vector<int> TestUser::keysDown() const {
-    std::vector<int> result;
-    const auto& x = keyboard.x;
-    auto answer = x.reply(xcb_query_keymap_reply, xcb_query_keymap(x));
-    for (int code = 0; answer && code < 256; ++code) {
-        if ((answer->keys[code / 8] >> (code % 8) & 1) != 0)
-            result.push_back(code);
-    }
-    return result;
-}
-
 } // namespace platform::desktop

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Desktop/TestKeyboard.h"
 #include "Desktop/XServer.h"
 #include "Platform/Desktop/XConnection.h"
 
@@ -38,21 +37,6 @@ public:
 private:
     XConnection x;
     xcb_window_t shown;
-};
-
-// The user at the keyboard, as far as the server can tell.
-class TestUser {
-public:
-    void press(int code) const { keyboard.change(code, true); }
-    void release(int code) const { keyboard.change(code, false); }
-    void type(int code) const {
-        press(code);
-        release(code);
-    }
-    std::vector<int> keysDown() const;
-
-private:
-    tests::TestKeyboard keyboard;
 };
 
 } // namespace platform::desktop

@@ -1,10 +1,14 @@
 #include "Desktop/KeyboardDisplay.h"
+#include "Desktop/Person.h"
+#include "Desktop/Windows.h"
 #include "Platform/Desktop/DesktopKeyboard.h"
+#include "Platform/Desktop/DesktopWorkspace.h"
 #include "Platform/Foundation/ThreadRunLoop.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <future>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -14,19 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using tests::comesTrue;
-
-// Places on an ordinary keyboard.
-constexpr int escape = 9;
-constexpr int leftControl = 37;
-constexpr int leftShift = 50;
-constexpr int letterX = 53;
-constexpr int letterC = 54;
-constexpr int leftAlt = 64;
-constexpr int capsLock = 66;
-constexpr int f12 = 96;
-constexpr int rightControl = 105;
-constexpr int rightArrow = 114;
-constexpr int insertKey = 118;
+using tests::Key;
 
 constexpr int shiftState = 1;
 constexpr int lockState = 2;
@@ -97,7 +89,7 @@ protected:
     }
 
     tests::XServer display;
-    TestUser user;
+    tests::Person user;
     Reports tapped;
     WorkerThread loop;
     XConnection x;
@@ -109,28 +101,28 @@ protected:
 
 TEST_F(Keyboard, ReportsAHoldOnceAndHidesItFromApplications) {
     TestApplication application;
-    run("xset r " + std::to_string(rightControl));
+    run("xset r " + std::to_string(Key::rightControl));
     startTap();
-    for (std::string expected; int modifier : {0, leftShift, leftAlt}) {
+    for (std::string expected; int modifier : {0, Key::leftShift, Key::leftAlt}) {
         if (modifier != 0)
             user.press(modifier);
-        user.press(rightControl);
+        user.press(Key::rightControl);
         ASSERT_TRUE(tapped.becomes(expected += "down "));
         std::this_thread::sleep_for(300ms);
         if (modifier != 0)
             user.release(modifier);
         application.takeKeys();
-        user.type(letterX);
-        EXPECT_EQ(application.takeKeys(), plain(letterX));
-        user.release(rightControl);
+        user.strike({Key::x});
+        EXPECT_EQ(application.takeKeys(), plain(Key::x));
+        user.release(Key::rightControl);
         ASSERT_TRUE(tapped.becomes(expected += "up "));
         EXPECT_EQ(application.takeKeys(), std::vector<SeenKey>());
         EXPECT_EQ(user.keysDown(), std::vector<int>());
     }
     tap = nullptr;
-    user.type(rightControl);
+    user.strike({Key::rightControl});
     EXPECT_EQ(application.takeKeys(),
-              (std::vector<SeenKey>{{true, rightControl, 0}, {false, rightControl, controlState}}));
+              (std::vector<SeenKey>{{true, Key::rightControl, 0}, {false, Key::rightControl, controlState}}));
 }
 
 // The first events of a hold come while the keyboard is still grabbed.
@@ -139,14 +131,14 @@ TEST_F(Keyboard, HearsTheShortestTapAndWhatIsTypedInIt) {
     startTap();
     std::string expected;
     for (int round = 0; round < 100; ++round) {
-        user.press(rightControl);
+        user.press(Key::rightControl);
         if (round % 2 == 0)
-            user.type(letterX);
-        user.release(rightControl);
+            user.strike({Key::x});
+        user.release(Key::rightControl);
         ASSERT_TRUE(tapped.becomes(expected += "down up ")) << tapped.get();
         const auto seen = application.takeKeys();
-        ASSERT_EQ(std::ranges::count(seen, SeenKey{true, letterX, 0}), round % 2 == 0 ? 1 : 0);
-        ASSERT_EQ(std::ranges::count(seen, rightControl, &SeenKey::code), 0);
+        ASSERT_EQ(std::ranges::count(seen, SeenKey{true, Key::x, 0}), round % 2 == 0 ? 1 : 0);
+        ASSERT_EQ(std::ranges::count(seen, Key::rightControl, &SeenKey::code), 0);
         ASSERT_EQ(user.keysDown(), std::vector<int>());
     }
 }
@@ -176,7 +168,7 @@ TEST_F(Keyboard, TypesCombinationsWithExactlyTheirModifiersInEveryLayout) {
         SCOPED_TRACE(layout.command);
         run("setxkbmap -option");
         run(std::string("setxkbmap ") + layout.command);
-        int control = std::string(layout.command).ends_with("lctl") ? leftAlt : leftControl;
+        int control = std::string(layout.command).ends_with("lctl") ? Key::leftAlt : Key::leftControl;
         auto types = [&](int letter, int code) {
             const auto seen = seenOfCommand(letter, application);
             return seen
@@ -187,7 +179,7 @@ TEST_F(Keyboard, TypesCombinationsWithExactlyTheirModifiersInEveryLayout) {
         EXPECT_TRUE(types(key::c, layout.c));
         EXPECT_TRUE(types(key::v, layout.v));
         post(key::rightArrow);
-        EXPECT_EQ(application.takeKeys(), plain(rightArrow));
+        EXPECT_EQ(application.takeKeys(), plain(Key::right));
     }
     EXPECT_EQ(user.keysDown(), std::vector<int>());
 }
@@ -195,29 +187,29 @@ TEST_F(Keyboard, TypesCombinationsWithExactlyTheirModifiersInEveryLayout) {
 TEST_F(Keyboard, LiftsWhatTheUserHoldsAndPutsItBack) {
     TestApplication application;
     startTap();
-    user.type(capsLock);
-    user.press(leftShift);
-    user.press(leftAlt);
-    user.press(rightControl);
+    user.strike({Key::capsLock});
+    user.press(Key::leftShift);
+    user.press(Key::leftAlt);
+    user.press(Key::rightControl);
     ASSERT_TRUE(tapped.becomes("down "));
     auto keys = seenOfCommand(key::c, application);
-    EXPECT_NE(std::ranges::find(keys, SeenKey{true, letterC, controlState | lockState}), keys.end());
+    EXPECT_NE(std::ranges::find(keys, SeenKey{true, Key::c, controlState | lockState}), keys.end());
     application.takeKeys();
     post(key::rightArrow);
     keys = application.takeKeys();
-    EXPECT_NE(std::ranges::find(keys, SeenKey{true, rightArrow, lockState}), keys.end());
-    EXPECT_EQ(user.keysDown(), (std::vector<int>{leftShift, leftAlt}));
+    EXPECT_NE(std::ranges::find(keys, SeenKey{true, Key::right, lockState}), keys.end());
+    EXPECT_EQ(user.keysDown(), (std::vector<int>{Key::leftShift, Key::leftAlt}));
 
-    user.type(letterX);
-    EXPECT_EQ(application.takeKeys(), plain(letterX, shiftState | altState | lockState));
-    user.release(leftShift);
-    user.release(leftAlt);
-    user.release(rightControl);
+    user.strike({Key::x});
+    EXPECT_EQ(application.takeKeys(), plain(Key::x, shiftState | altState | lockState));
+    user.release(Key::leftShift);
+    user.release(Key::leftAlt);
+    user.release(Key::rightControl);
     ASSERT_TRUE(tapped.becomes("down up "));
     EXPECT_TRUE(comesTrue([&] { return user.keysDown().empty(); }));
     application.takeKeys();
-    user.type(letterX);
-    EXPECT_EQ(application.takeKeys(), plain(letterX, lockState));
+    user.strike({Key::x});
+    EXPECT_EQ(application.takeKeys(), plain(Key::x, lockState));
 }
 
 TEST_F(Keyboard, LeavesNothingPressedHoweverTheUserTypesMeanwhile) {
@@ -227,11 +219,11 @@ TEST_F(Keyboard, LeavesNothingPressedHoweverTheUserTypesMeanwhile) {
     std::jthread typist([&] {
         std::minstd_rand random(7);
         while (!isDone) {
-            for (int code : {leftShift, leftControl, leftAlt})
+            for (int code : {Key::leftShift, Key::leftControl, Key::leftAlt})
                 (random() % 2 != 0) ? user.press(code) : user.release(code);
-            user.type(letterX);
+            user.strike({Key::x});
         }
-        for (int code : {leftShift, leftControl, leftAlt})
+        for (int code : {Key::leftShift, Key::leftControl, Key::leftAlt})
             user.release(code);
     });
     for (int round = 0; round < 200; ++round)
@@ -240,44 +232,44 @@ TEST_F(Keyboard, LeavesNothingPressedHoweverTheUserTypesMeanwhile) {
     typist.join();
     EXPECT_TRUE(comesTrue([&] { return user.keysDown().empty(); }));
     // The server counts each modifier's presses: a surplus one would show now.
-    EXPECT_EQ(seenOfCommand(key::c, application), combination(leftControl, controlState, letterC));
+    EXPECT_EQ(seenOfCommand(key::c, application), combination(Key::leftControl, controlState, Key::c));
 }
 
 TEST_F(Keyboard, GoesOnWhenTheKeyboardMapChanges) {
     TestApplication application;
     startTap();
-    user.press(rightControl);
+    user.press(Key::rightControl);
     ASSERT_TRUE(tapped.becomes("down "));
     run("setxkbmap de");
-    run("xmodmap -e 'keycode " + std::to_string(f12) + " = XF86Fn'");
-    user.release(rightControl);
+    run("xmodmap -e 'keycode " + std::to_string(Key::f12) + " = XF86Fn'");
+    user.release(Key::rightControl);
     ASSERT_TRUE(tapped.becomes("down up "));
 
     // The new map has a key of that name.
     ASSERT_TRUE(comesTrue([&] {
-        user.press(f12);
+        user.press(Key::f12);
         bool isSwallowed = application.takeKeys().empty();
-        user.release(f12);
+        user.release(Key::f12);
         return isSwallowed;
     }));
     ASSERT_TRUE(comesTrue([&] { return tapped.get().ends_with("up "); }));
     auto before = tapped.get();
-    user.press(f12);
+    user.press(Key::f12);
     std::this_thread::sleep_for(300ms);
-    user.release(f12);
+    user.release(Key::f12);
     EXPECT_TRUE(tapped.becomes(before + "down up "));
     application.takeKeys();
-    user.type(rightControl);
+    user.strike({Key::rightControl});
     EXPECT_FALSE(application.takeKeys().empty());
     EXPECT_EQ(user.keysDown(), std::vector<int>());
 }
 
 TEST_F(Keyboard, GivesNoTapWhileAnotherProgramHasTheKey) {
     const XConnection owner;
-    owner.errorOf(xcb_grab_key_checked(owner, 0, owner.root(), XCB_MOD_MASK_SHIFT, rightControl,
+    owner.errorOf(xcb_grab_key_checked(owner, 0, owner.root(), XCB_MOD_MASK_SHIFT, Key::rightControl,
                                        XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
     EXPECT_FALSE(makeTap(keyboard));
-    owner.errorOf(xcb_ungrab_key_checked(owner, rightControl, owner.root(), XCB_MOD_MASK_ANY));
+    owner.errorOf(xcb_ungrab_key_checked(owner, Key::rightControl, owner.root(), XCB_MOD_MASK_ANY));
     EXPECT_TRUE(makeTap(keyboard));
     startTap();
     XConnection other;
@@ -292,29 +284,29 @@ TEST_F(Keyboard, MonitorsTheUsersKeysAndNotItsOwn) {
                                              [&](const KeyEvent& event) { monitored.add(event); });
     run("setxkbmap ru");
     post(key::c, flag::command);
-    user.type(letterX);
+    user.strike({Key::x});
     application.takeKeys();
-    user.type(escape);
+    user.strike({Key::escape});
     EXPECT_TRUE(monitored.becomes("key 53 "));
-    EXPECT_EQ(application.takeKeys(), plain(escape));
+    EXPECT_EQ(application.takeKeys(), plain(Key::escape));
     monitor = nullptr;
-    user.type(escape);
+    user.strike({Key::escape});
     application.takeKeys();
     std::this_thread::sleep_for(20ms);
     EXPECT_EQ(monitored.get(), "key 53 ");
 }
 
 TEST_F(Keyboard, NeverInterruptsATerminal) {
-    const auto insertCopy = combination(leftControl, controlState, insertKey);
+    const auto insertCopy = combination(Key::leftControl, controlState, Key::insert);
     struct Terminal {
         const char* windowClass;
         int copyKey;
     };
     for (const auto& [windowClass, copyKey] : std::to_array<Terminal>({{"XTerm", 0},
                                                                        {"konsole", 0},
-                                                                       {"Gnome-terminal", insertKey},
-                                                                       {"Xfce4-terminal", insertKey},
-                                                                       {"kitty", letterC}})) {
+                                                                       {"Gnome-terminal", Key::insert},
+                                                                       {"Xfce4-terminal", Key::insert},
+                                                                       {"kitty", Key::c}})) {
         SCOPED_TRACE(windowClass);
         TestApplication terminal(windowClass);
         auto before = postedKeys.latest();
@@ -323,9 +315,9 @@ TEST_F(Keyboard, NeverInterruptsATerminal) {
             EXPECT_TRUE(keys.empty());
             EXPECT_EQ(postedKeys.latest().has_value(), before.has_value());
         } else {
-            int state = copyKey == insertKey ? controlState : controlState | shiftState;
+            int state = copyKey == Key::insert ? controlState : controlState | shiftState;
             EXPECT_NE(std::ranges::find(keys, SeenKey{true, copyKey, state}), keys.end());
-            EXPECT_EQ(std::ranges::find(keys, SeenKey{true, letterC, controlState}), keys.end());
+            EXPECT_EQ(std::ranges::find(keys, SeenKey{true, Key::c, controlState}), keys.end());
             ASSERT_TRUE(postedKeys.latest());
             EXPECT_EQ(postedKeys.latest()->effect, ClipboardEffect::copy);
             EXPECT_EQ(postedKeys.latest()->window, terminal.window());
@@ -336,28 +328,44 @@ TEST_F(Keyboard, NeverInterruptsATerminal) {
     }
 }
 
-TEST(KeyboardDisplay, EndsTheProgramWithASentenceWhenTheDisplayGoesAway) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    auto loseTheDisplay = [] {
-        tests::XServer display;
-        WorkerThread loop;
-        XConnection x;
-        PostedKeys postedKeys;
-        DesktopKeyboard keyboard(x, loop.runLoop(), postedKeys);
-        display.end();
-        std::this_thread::sleep_for(10s);
+TEST_F(Keyboard, TypesIntoTheApplicationThatWasBroughtBackOrNotAtAll) {
+    const auto focusOn = [this](xcb_window_t window) {
+        xcb_set_input_focus(x, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+        x.flush();
     };
-    EXPECT_EXIT(loseTheDisplay(), testing::ExitedWithCode(1), "The connection to the X display was lost");
-}
+    auto writer = std::make_unique<TestApplication>("writer");
+    const auto field = xcb_generate_id(x);
+    xcb_create_window(x, XCB_COPY_FROM_PARENT, field, writer->window(), 0, 0, 9, 9, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(x, field);
+    focusOn(field);
+    DesktopWorkspace workspace(x, ApplicationNames({}, {}), postedKeys);
+    const auto chosen = workspace.frontmostApplication().value();
+    TestApplication other("other");
+    // A window manager was there once.
+    const auto left = other.window();
+    for (const auto* property : {"_NET_SUPPORTING_WM_CHECK", "_NET_ACTIVE_WINDOW"})
+        x.setProperty(x.root(), x.atom(property), XCB_ATOM_WINDOW, std::span(&left, 1));
+    workspace.activate(chosen);
+    EXPECT_EQ(focusedWindow(x), field);
+    EXPECT_EQ(frontWindow(x), writer->window());
 
-TEST(KeyboardDisplay, IsMissedInASentence) {
-    setenv("DISPLAY", ":4711", 1);
-    try {
-        XConnection x;
-        FAIL();
-    } catch (const DisplayError& error) {
-        EXPECT_STREQ(error.what(), "The X display \":4711\" could not be opened.");
-    }
+    focusOn(other.window());
+    postedKeys.aim(writer->window());
+    auto late = std::async(std::launch::async, [&] {
+        std::this_thread::sleep_for(200ms);
+        focusOn(writer->window());
+    });
+    post(key::c, flag::command);
+    EXPECT_EQ(writer->takeKeys(), combination(Key::leftControl, controlState, Key::c));
+    late.wait();
+    writer = nullptr;
+    focusOn(other.window());
+    workspace.activate(chosen);
+    EXPECT_TRUE(seenOfCommand(key::c, other).empty());
+    // The next gesture begins.
+    EXPECT_TRUE(workspace.frontmostApplication());
+    EXPECT_EQ(seenOfCommand(key::c, other), combination(Key::leftControl, controlState, Key::c));
 }
 
 } // namespace

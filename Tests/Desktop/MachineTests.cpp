@@ -1,7 +1,8 @@
-#include "Desktop/DisplayProcess.h"
+#include "Desktop/QtProgram.h"
 #include "Platform/Desktop/DesktopLoginItem.h"
 #include "Platform/Desktop/FileReveal.h"
 #include "Platform/Desktop/MachineFacts.h"
+#include "Support/ComesTrue.h"
 #include "Support/Files.h"
 #include "Support/TemporaryFolder.h"
 
@@ -95,10 +96,7 @@ TEST(MachineFacts, NameTheModelThatTheMakerHasWritten) {
 
 TEST(FileReveal, OpensTheFolderWhereNobodySelectsFiles) {
     setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
-    int argumentCount = 1;
-    std::string word = "test";
-    char* arguments = word.data();
-    const QCoreApplication application(argumentCount, &arguments);
+    const tests::QtProgram<QCoreApplication> program;
     // Signals that this program keeps for itself are not kept from what it starts.
     sigset_t signals;
     sigemptyset(&signals);

@@ -1,5 +1,7 @@
 #include "Platform/Desktop/QtRunLoop.h"
 
+#include "Desktop/QtProgram.h"
+
 #include <thread>
 
 #include <QCoreApplication>
@@ -16,10 +18,7 @@ protected:
     void runUntilEnd() { QCoreApplication::exec(); }
     void add(const std::string& name) { order += name; }
 
-    int argumentCount = 1;
-    std::string program = "test";
-    char* arguments = program.data();
-    QCoreApplication application{argumentCount, &arguments};
+    tests::QtProgram<QCoreApplication> program;
     QtRunLoop loop;
     std::string order;
 };

@@ -31,18 +31,6 @@ int kindOf(const Event& event) {
     return event->response_type & 0x7F;
 }
 
-void sendMessage(const XConnection& x, xcb_window_t window, const std::string& type,
-                 std::array<std::uint32_t, 5> values) {
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = window;
-    message.type = x.atom(type);
-    std::ranges::copy(values, message.data.data32);
-    xcb_send_event(x, 0, window, 0, reinterpret_cast<const char*>(&message));
-    x.flush();
-}
-
 // Asks the owner of a selection and takes the answer as it comes, in one go or in pieces.
 std::optional<SelectionForm> fetchFrom(const XConnection& x, xcb_window_t window, const std::string& target,
                                        std::chrono::milliseconds pause,
@@ -100,7 +88,7 @@ public:
         : script(clientScript), window(makeWindow()), clipboard(x.atom("CLIPBOARD")) {
         if (script.owned)
             own(*script.owned);
-        if (script.field)
+        if (script.hasField)
             startApplication();
         if (script.fetchesEachChange || script.fillsEmpty || script.isManager)
             startManager();
@@ -132,7 +120,7 @@ public:
 private:
     xcb_window_t makeWindow() {
         auto made = xcb_generate_id(x);
-        const std::uint32_t events[] = {XCB_EVENT_MASK_PROPERTY_CHANGE};
+        const std::uint32_t events[] = {XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_KEY_PRESS};
         xcb_create_window(x, XCB_COPY_FROM_PARENT, made, x.root(), 0, 0, 100, 100, 0,
                           XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, events);
         return made;
@@ -144,9 +132,10 @@ private:
             x.setProperty(window, x.atom("WM_PROTOCOLS"), XCB_ATOM_ATOM, protocols);
         if (script.ownsPrimary)
             xcb_set_selection_owner(x, window, XCB_ATOM_PRIMARY, XCB_CURRENT_TIME);
-        text = *script.field;
-        selected = script.selected;
-        show();
+        x.setProperty(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, {"editor\0Editor\0", 14});
+        const std::uint32_t process[] = {static_cast<std::uint32_t>(getpid())};
+        x.setProperty(window, x.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, process);
+        xcb_map_window(x, window);
     }
 
     void startManager() {
@@ -163,19 +152,13 @@ private:
                 return event;
             if (xcb_connection_has_error(x))
                 _exit(0);
-            int timeout = -1;
-            if (pasteAt) {
-                auto left = *pasteAt - std::chrono::steady_clock::now();
-                if (left <= 0s) {
-                    pasteAt.reset();
-                    paste();
-                    continue;
-                }
-                timeout = static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(left).count());
+            if (pasteAt && *pasteAt <= std::chrono::steady_clock::now()) {
+                paste();
+                return {}; // More may be waiting now.
             }
             x.flush();
             pollfd source{xcb_get_file_descriptor(x), POLLIN, 0};
-            poll(&source, 1, timeout);
+            poll(&source, 1, pasteAt ? 1 : -1);
         }
     }
 
@@ -189,8 +172,11 @@ private:
         case XCB_CLIENT_MESSAGE:
             if (isPing(event))
                 pong(as<xcb_client_message_event_t>(event));
-            else
-                message(as<xcb_client_message_event_t>(event));
+            else if (as<xcb_client_message_event_t>(event).type == x.atom("TEST_FIELD"))
+                setField(as<xcb_client_message_event_t>(event));
+            return;
+        case XCB_KEY_PRESS:
+            press(as<xcb_key_press_event_t>(event));
             return;
         case XCB_SELECTION_REQUEST:
             answer(as<xcb_selection_request_event_t>(event));
@@ -216,53 +202,65 @@ private:
                        reinterpret_cast<const char*>(&message));
     }
 
-    void message(const xcb_client_message_event_t& message) {
-        const auto* values = message.data.data32;
-        if (message.type == x.atom("TEST_BUSY")) {
-            script.busyBeforeKey = std::chrono::milliseconds(values[0]);
-            script.pasteDelay = std::chrono::milliseconds(values[1]);
-        } else if (message.type == x.atom("TEST_FIELD")) {
-            auto marked = x.property(window, x.atom("TEST_FIELD_TEXT"), true)->bytes;
-            auto open = marked.find('[');
-            selected = open == std::string::npos ? 0 : marked.size() - open - 2;
-            std::erase_if(marked, [](char c) { return c == '[' || c == ']'; });
-            text = marked;
-            show();
-        } else if (message.type == x.atom("TEST_KEY")) {
-            std::this_thread::sleep_for(script.busyBeforeKey);
-            key(static_cast<char>(values[0]));
+    void setField(const xcb_client_message_event_t& message) {
+        text = x.property(window, x.atom("TEST_FIELD"), true)->bytes;
+        busyBeforeKey = std::chrono::milliseconds(message.data.data32[0]);
+        pasteDelay = std::chrono::milliseconds(message.data.data32[1]);
+        const auto open = text.find('[');
+        if (open == std::string::npos) {
+            select(text.size(), text.size());
+        } else {
+            const auto close = text.find(']');
+            text.erase(close, 1).erase(open, 1);
+            select(open, close - 1);
         }
     }
 
-    void key(char typed) {
-        if (typed == 'a')
-            selected = text.size();
-        else if (typed == '>')
-            selected = 0;
-        else if (typed == 'c' && selected > 0)
-            own(SelectionContent::of(text.substr(text.size() - selected)).forms);
-        else if (typed == 'v' && script.pasteDelay == 0ms)
-            paste();
-        else if (typed == 'v')
-            pasteAt = std::chrono::steady_clock::now() + script.pasteDelay;
-        show();
+    void press(const xcb_key_press_event_t& event) {
+        // Places on an ordinary keyboard.
+        static const std::map<int, char> letters{{38, 'a'}, {53, 'x'}, {54, 'c'}, {55, 'v'}, {114, '>'}};
+        const auto pressed = letters.find(event.detail);
+        if (pressed == letters.end())
+            return;
+        const auto arrival = std::chrono::steady_clock::now();
+        std::this_thread::sleep_for(busyBeforeKey);
+        const char letter = pressed->second;
+        if (letter == '>') {
+            select(to, to);
+        } else if ((event.state & XCB_MOD_MASK_CONTROL) == 0) {
+            insert({letter});
+        } else if (letter == 'a') {
+            select(0, text.size());
+        } else if (letter == 'c' && from < to) {
+            own(SelectionContent::of(text.substr(from, to - from)).forms);
+        } else if (letter == 'v') {
+            x.setProperty(window, x.atom("TEST_PASTE_KEY"), XCB_ATOM_STRING,
+                          {reinterpret_cast<const char*>(&arrival), sizeof arrival});
+            pasteAt = std::chrono::steady_clock::now() + pasteDelay;
+            if (pasteDelay == 0ms)
+                paste();
+        }
     }
 
     void paste() {
+        pasteAt.reset();
         auto own = std::ranges::find(forms, "UTF8_STRING", &SelectionForm::target);
-        auto found = own != forms.end() ? std::optional(*own) : fetch("UTF8_STRING");
-        if (found) {
-            text.replace(text.size() - selected, selected, found->bytes);
-            selected = 0;
-        }
-        show();
+        if (auto found = own != forms.end() ? std::optional(*own) : fetch("UTF8_STRING"))
+            insert(found->bytes);
     }
 
-    void show() {
-        auto marked = text;
-        if (selected > 0)
-            marked = text.substr(0, text.size() - selected) + "[" + text.substr(text.size() - selected) + "]";
-        x.setProperty(window, x.atom("TEST_TEXT"), XCB_ATOM_STRING, marked);
+    void insert(const std::string& typed) {
+        text.replace(from, to - from, typed);
+        select(from + typed.size(), from + typed.size());
+    }
+
+    void select(std::size_t start, std::size_t end) {
+        from = start;
+        to = end;
+        auto shown = text;
+        if (from < to)
+            shown.insert(to, "]").insert(from, "[");
+        x.setProperty(window, x.atom("TEST_TEXT"), XCB_ATOM_STRING, shown);
     }
 
     std::optional<SelectionForm> fetch(const std::string& target) {
@@ -384,7 +382,10 @@ private:
     std::vector<SelectionForm> forms;
     std::optional<Pieces> pieces;
     std::string text;
-    std::size_t selected = 0;
+    std::size_t from = 0;
+    std::size_t to = 0;
+    std::chrono::milliseconds busyBeforeKey{};
+    std::chrono::milliseconds pasteDelay{};
     std::optional<std::chrono::steady_clock::time_point> pasteAt;
 };
 
@@ -415,28 +416,6 @@ SelectionClient::~SelectionClient() {
 }
 
 SelectionProbe::SelectionProbe() : window(x.makeHiddenWindow(XCB_EVENT_MASK_PROPERTY_CHANGE)) {}
-
-void SelectionProbe::type(xcb_window_t target, char key) {
-    sendMessage(x, target, "TEST_KEY", {static_cast<std::uint32_t>(key)});
-    // The server has it before the next step, as it has a key.
-    x.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x));
-}
-
-std::string SelectionProbe::field(xcb_window_t target) {
-    auto shown = x.property(target, x.atom("TEST_TEXT"));
-    return shown ? shown->bytes : "";
-}
-
-void SelectionProbe::setField(xcb_window_t target, const std::string& marked) {
-    x.setProperty(target, x.atom("TEST_FIELD_TEXT"), XCB_ATOM_STRING, marked);
-    sendMessage(x, target, "TEST_FIELD", {});
-    while (field(target) != marked)
-        std::this_thread::sleep_for(1ms);
-}
-
-void SelectionProbe::setBusy(xcb_window_t target, std::uint32_t beforeKey, std::uint32_t beforePaste) {
-    sendMessage(x, target, "TEST_BUSY", {beforeKey, beforePaste});
-}
 
 std::optional<SelectionForm> SelectionProbe::fetch(const std::string& target,
                                                    std::chrono::milliseconds pause) {

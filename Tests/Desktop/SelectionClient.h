@@ -25,14 +25,11 @@ struct ClientScript {
     std::size_t pieceSize = 0; // incremental from this size on; 0: never
     std::size_t stopsAfterPieces = SIZE_MAX;
 
-    // An application with a text field of which the last `selected` bytes are selected.
-    std::optional<std::string> field = std::nullopt;
-    std::size_t selected = 0;
+    // An application with a text field, in a window that takes the keyboard.
+    bool hasField = false;
     bool speaksPing = true;
     bool pongsBeforeKeys = false;
     bool ownsPrimary = false;
-    Milliseconds busyBeforeKey{0};
-    Milliseconds pasteDelay{0};
 
     // A clipboard manager: fetches the text at each change, puts a text of its own on a clipboard without any
     // form, and saves what is handed over.
@@ -41,8 +38,7 @@ struct ClientScript {
     bool isManager = false;
 };
 
-// A program with a connection of its own to $DISPLAY that lives as long as this object. Made before any
-// thread is started: it is a fork of the test.
+// A program with a connection of its own to $DISPLAY that lives as long as this object, a fork of the test.
 class SelectionClient {
 public:
     explicit SelectionClient(const ClientScript& script);
@@ -57,17 +53,10 @@ private:
     xcb_window_t clientWindow = 0;
 };
 
-// The test's own eyes and hands on the display.
+// The test's own eyes on the clipboard.
 class SelectionProbe {
 public:
     SelectionProbe();
-
-    // A key for an application: 'a', 'c' and 'v' as combinations, '>' for the arrow.
-    void type(xcb_window_t window, char key);
-    // The field's text, the selection within brackets.
-    std::string field(xcb_window_t window);
-    void setField(xcb_window_t window, const std::string& marked);
-    void setBusy(xcb_window_t window, std::uint32_t beforeKey, std::uint32_t beforePaste);
 
     // What the clipboard's owner answers, as any program would see it; pieces are taken with a pause before
     // each.

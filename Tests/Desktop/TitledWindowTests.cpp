@@ -1,5 +1,7 @@
 #include "Desktop/KeyboardDisplay.h"
 #include "Desktop/OffscreenTest.h"
+#include "Desktop/WidgetTest.h"
+#include "Desktop/WindowManager.h"
 #include "Desktop/WindowsHost.h"
 #include "Platform/Desktop/LayerChanges.h"
 #include "Platform/Desktop/LayerPainter.h"
@@ -7,25 +9,13 @@
 
 #include <random>
 
-#include <QApplication>
 #include <QPainter>
 
 namespace platform::desktop {
 namespace {
 
-using namespace std::chrono_literals;
-using tests::DisplayProcess;
-
-class TitledWindowTest : public testing::Test {
+class TitledWindowTest : public WidgetTest {
 protected:
-    template <typename Condition>
-    bool comesTrue(Condition condition) const {
-        return tests::comesTrue([&] {
-            QCoreApplication::processEvents();
-            return condition();
-        });
-    }
-
     std::shared_ptr<Button> addButton(const std::string& title, double y) {
         auto button = std::make_shared<Button>(title, [&](Button& one) { pressed += one.title(); });
         button->setFrame({50, y, 100, 28});
@@ -41,17 +31,7 @@ protected:
         return pressed;
     }
 
-    tests::XServer display;
-    DisplayProcess windowManager{{"openbox"}, {}};
-
-private:
-    int argumentCount = 1;
-    std::string program = "test";
-    char* arguments = program.data();
-    const QApplication application{argumentCount, &arguments};
-
-protected:
-    XConnection x;
+    tests::WindowManager windowManager;
     WindowsHost host;
     Window window{{0, 0, 200, 120}, Window::StyleMask::titled | Window::StyleMask::closable};
     std::string pressed;
@@ -60,7 +40,6 @@ protected:
 } // namespace
 
 TEST_F(TitledWindowTest, StandsInAFrameAndIsUsedByTheKeyboardUntilItIsClosed) {
-    ASSERT_TRUE(comesTrue([&] { return x.property(x.root(), x.atom("_NET_CLIENT_LIST")).has_value(); }));
     addButton("m", 60)->setKeyEquivalent("\r");
     addButton("o", 20);
     auto leaving = addButton("x", 90);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Desktop/QtProgram.h"
 #include "Desktop/XServer.h"
 
 #include <QApplication>
@@ -36,10 +37,7 @@ protected:
 private:
     const tests::XServer display;
     const bool hasNoBus = setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1) == 0;
-    int argumentCount = 1;
-    std::string word = "test";
-    char* arguments = word.data();
-    const QApplication application{argumentCount, &arguments};
+    const tests::QtProgram<QApplication> program;
 };
 
 } // namespace platform::desktop

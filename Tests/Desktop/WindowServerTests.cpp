@@ -1,19 +1,19 @@
 #include "Desktop/KeyboardDisplay.h"
+#include "Desktop/WidgetTest.h"
+#include "Desktop/WindowManager.h"
 #include "Desktop/Windows.h"
 #include "Desktop/WindowsHost.h"
 #include "Platform/Kit/Panel.h"
 #include "Platform/Kit/Transaction.h"
 #include "Platform/Kit/VisualEffectView.h"
 
-#include <QGuiApplication>
-#include <gtest/gtest.h>
 #include <xcb/xfixes.h>
 
 namespace platform::desktop {
 namespace {
 
 using namespace std::chrono_literals;
-using tests::DisplayProcess;
+using tests::TestProcess;
 
 // Counts what the server was asked to draw.
 class CountingView : public VisualEffectView {
@@ -28,13 +28,9 @@ protected:
     }
 };
 
-class WindowServerTest : public testing::Test {
+class WindowServerTest : public WidgetTest {
 protected:
-    WindowServerTest() {
-        if (!comesTrue([&] { return x.property(x.root(), x.atom("_NET_CLIENT_LIST")).has_value(); }))
-            throw std::runtime_error("No window manager");
-        x.reply(xcb_xfixes_query_version_reply, xcb_xfixes_query_version(x, 2, 0));
-    }
+    WindowServerTest() { x.reply(xcb_xfixes_query_version_reply, xcb_xfixes_query_version(x, 2, 0)); }
 
     // Somewhere in the top half of the screen.
     std::shared_ptr<Panel> showPill() {
@@ -57,14 +53,6 @@ protected:
             QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
     }
 
-    template <typename Condition>
-    bool comesTrue(Condition condition) const {
-        return tests::comesTrue([&] {
-            QCoreApplication::processEvents();
-            return condition();
-        });
-    }
-
     // As the screen shows it.
     QColor colorAt(const QPoint& point) const {
         auto image =
@@ -76,16 +64,7 @@ protected:
     }
     bool isDark(const QPoint& point) const { return colorAt(point).value() < 80; }
 
-    tests::XServer display;
-    DisplayProcess windowManager{{"openbox"}, {}};
-
-private:
-    int argumentCount = 1;
-    std::string program = "test";
-    char* arguments = program.data();
-    const QGuiApplication application{argumentCount, &arguments};
-
-protected:
+    tests::WindowManager windowManager;
     XConnection x;
     WindowsHost host;
     const Rect place{540, 600, 200, 44};
@@ -147,7 +126,7 @@ TEST_F(WindowServerTest, IsCutOutWithoutACompositorAndCastsAShadowWithOne) {
     EXPECT_EQ(colorAt(corner), QColor(Qt::white));
     EXPECT_EQ(colorAt(shadow), QColor(Qt::white));
     {
-        const DisplayProcess compositor({"picom", "--backend", "xrender", "--config", "/dev/null"}, {});
+        const TestProcess compositor({"picom", "--backend", "xrender", "--config", "/dev/null"}, {});
         // On the grey that this one paints the desktop in.
         EXPECT_TRUE(comesTrue([&] {
             const int value = colorAt(shadow).value();
@@ -166,7 +145,7 @@ TEST_F(WindowServerTest, IsCutOutWithoutACompositorAndCastsAShadowWithOne) {
 }
 
 TEST_F(WindowServerTest, AsksForBlurWhereItIsDone) {
-    const DisplayProcess compositor({"picom", "--backend", "xrender", "--config", "/dev/null"}, {});
+    const TestProcess compositor({"picom", "--backend", "xrender", "--config", "/dev/null"}, {});
     const auto blurred = x.atom("_KDE_NET_WM_BLUR_BEHIND_REGION");
     ASSERT_TRUE(comesTrue([&] {
         return x.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x, x.atom("_NET_WM_CM_S0")))
@@ -237,6 +216,45 @@ TEST_F(WindowServerTest, FollowsTheWindowThatHasTheKeyboardFromMonitorToMonitor)
     // What is on the one stays there when the other goes.
     run("xrandr --delmonitor left");
     EXPECT_EQ(frame(), (Rect{800, 0, 480, 800}));
+}
+
+class UsableAreaTest : public WidgetTest {};
+
+TEST_F(UsableAreaTest, IsFreeOfBarsThatNoWindowManagerManages) {
+    XConnection x;
+    WindowsHost host;
+    const TestApplication bar("bar");
+    const TestApplication writer("writer");
+    const auto set = [&](xcb_window_t window, const char* property, std::vector<std::uint32_t> values) {
+        x.setProperty(window, x.atom(property), XCB_ATOM_CARDINAL, values);
+        x.flush();
+    };
+    const auto visible = [&] { return host.desktop().mainScreen().value().visibleFrame; };
+    run("xrandr --newmode small 0 1000 0 0 1000 600 0 0 600 && xrandr --addmode screen small");
+    run("xrandr --output screen --mode small");
+    set(bar.window(), "_NET_WM_STRUT_PARTIAL", {0, 50, 0, 20, 0, 0, 0, 599, 0, 0, 0, 999});
+    EXPECT_EQ(visible(), (Rect{0, 220, 950, 580}));
+    run("xrandr --output screen --mode 1280x800");
+    set(bar.window(), "_NET_WM_STRUT_PARTIAL", {});
+
+    run("xrandr --setmonitor left 800/200x600/150+0+0 screen");
+    run("xrandr --setmonitor '*right' 480/120x800/200+800+0 none");
+    const auto expect = [&](std::vector<std::uint32_t> workArea, const Rect& left, const Rect& right) {
+        set(x.root(), "_NET_WORKAREA", std::move(workArea));
+        run("xdotool windowmove --sync " + std::to_string(writer.window()) + " 100 100");
+        EXPECT_EQ(visible(), left);
+        run("xdotool windowmove --sync " + std::to_string(writer.window()) + " 900 100");
+        EXPECT_EQ(visible(), right);
+    };
+    const Rect wholeLeft{0, 200, 800, 600};
+    const Rect wholeRight{800, 0, 480, 800};
+    expect({0, 30, 1280, 770}, wholeLeft, {800, 0, 480, 770});
+    expect({0, 0, 1280, 570}, {0, 230, 800, 570}, wholeRight);
+    expect({860, 0, 420, 800}, wholeLeft, {860, 0, 420, 800});
+    set(bar.window(), "_NET_WM_STRUT_PARTIAL", {0, 0, 30, 0, 0, 0, 0, 0, 0, 799, 0, 0});
+    expect({0, 30, 1280, 770}, {0, 200, 800, 570}, wholeRight);
+    set(x.root(), "_GTK_WORKAREAS_D0", {800, 25, 480, 775, 0, 0, 740, 600});
+    expect({0, 30, 1280, 770}, {0, 200, 740, 600}, {800, 0, 480, 775});
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "Desktop/Windows.h"
 
-#include "Desktop/DisplayProcess.h"
 #include "Platform/Desktop/ActiveWindow.h"
+#include "Support/ComesTrue.h"
 
 namespace platform::desktop {
 
@@ -17,21 +17,28 @@ xcb_window_t frontWindow(const XConnection& x) {
     return XCB_NONE;
 }
 
+void sendMessage(const XConnection& x, xcb_window_t receiver, xcb_window_t window, const std::string& type,
+                 std::uint32_t first, std::uint32_t second) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = x.atom(type);
+    message.data.data32[0] = first;
+    message.data.data32[1] = second;
+    // Those who look after the root window; every window takes what comes without a mask.
+    const std::uint32_t mask =
+        receiver == x.root() ? XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : 0U;
+    xcb_send_event(x, 0, receiver, mask, reinterpret_cast<const char*>(&message));
+    x.flush();
+}
+
 bool isPill(const XConnection& x, xcb_window_t window) {
     return windowClassOf(x, window).name == "Lumarin";
 }
 
 bool becomeFullScreen(const XConnection& x, xcb_window_t window) {
-    xcb_client_message_event_t wish{};
-    wish.response_type = XCB_CLIENT_MESSAGE;
-    wish.format = 32;
-    wish.window = window;
-    wish.type = x.atom("_NET_WM_STATE");
-    wish.data.data32[0] = 1;
-    wish.data.data32[1] = x.atom("_NET_WM_STATE_FULLSCREEN");
-    xcb_send_event(x, 0, x.root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&wish));
-    x.flush();
+    sendMessage(x, x.root(), window, "_NET_WM_STATE", 1, x.atom("_NET_WM_STATE_FULLSCREEN"));
     return tests::comesTrue([&] {
         auto size = x.reply(xcb_get_geometry_reply, xcb_get_geometry(x, window));
         return size && size->width == x.screen().width_in_pixels

@@ -1,4 +1,5 @@
 #include "Desktop/KeyboardDisplay.h"
+#include "Desktop/WindowManager.h"
 #include "Platform/Desktop/DesktopWorkspace.h"
 #include "Platform/Desktop/SessionFacts.h"
 #include "Support/TemporaryFolder.h"
@@ -17,9 +18,8 @@ using tests::writeFile;
 
 TEST(Workspace, NamesTheFrontApplicationAndBringsItBack) {
     tests::XServer display;
-    tests::DisplayProcess windowManager({"openbox"}, {});
+    tests::WindowManager windowManager;
     XConnection x;
-    ASSERT_TRUE(comesTrue([&] { return x.propertyValue(x.root(), "_NET_SUPPORTING_WM_CHECK").has_value(); }));
 
     TemporaryFolder folder;
     writeFile(
@@ -28,7 +28,8 @@ TEST(Workspace, NamesTheFrontApplicationAndBringsItBack) {
         "[Desktop Action new]\nName=New Window\n");
     writeFile(folder.path() / "applications/something.desktop",
               "[Desktop Entry]\nName=Paint Box\nStartupWMClass=PAINT\n");
-    DesktopWorkspace workspace(x, ApplicationNames({"/nowhere", folder.path()}, {"fr", "zh_CN", "zh"}));
+    PostedKeys keys;
+    DesktopWorkspace workspace(x, ApplicationNames({"/nowhere", folder.path()}, {"fr", "zh_CN", "zh"}), keys);
     workspace.readNames();
 
     auto isInFront = [&](const TestApplication& application, const char* name) {

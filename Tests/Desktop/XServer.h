@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Desktop/DisplayProcess.h"
+#include "Support/TestProcess.h"
 
 namespace tests {
 
@@ -16,7 +16,7 @@ public:
     void end();
 
 private:
-    DisplayProcess process;
+    TestProcess process;
     std::string display;
 };
 

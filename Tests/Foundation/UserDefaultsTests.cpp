@@ -37,6 +37,18 @@ TEST(UserDefaults, KeepsMembersItDoesNotKnow) {
     EXPECT_EQ(bytesOf(file), R"({"language":"en","other":"kept"})");
 }
 
+TEST(UserDefaults, SeesWhatOthersChangeInTheFile) {
+    const TemporaryFolder folder;
+    UserDefaults defaults(folder / "defaults.json");
+    defaults.set("language", "zh");
+    folder.write("defaults.json", R"({"language":"en","other":"new"})");
+    EXPECT_EQ(defaults.string("language"), "en");
+    defaults.set("id", "1");
+    EXPECT_EQ(bytesOf(folder / "defaults.json"), R"({"id":"1","language":"en","other":"new"})");
+    std::filesystem::remove(folder / "defaults.json");
+    EXPECT_EQ(defaults.string("id"), std::nullopt);
+}
+
 TEST(UserDefaults, NeverWritesOverWhatItCouldNotRead) {
     const TemporaryFolder folder;
     for (const std::filesystem::path& thing : unreadableThings(folder)) {

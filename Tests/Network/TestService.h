@@ -11,8 +11,6 @@
 
 namespace tests {
 
-using namespace std::chrono_literals;
-
 enum class Protocol { http1, http2 };
 
 const auto bothProtocols = testing::Values(Protocol::http1, Protocol::http2);
@@ -21,12 +19,11 @@ inline std::string nameOfProtocol(const testing::TestParamInfo<Protocol>& each) 
     return each.param == Protocol::http1 ? "HTTP1" : "HTTP2";
 }
 
-// A scripted server that is reached by the one protocol or the other, with a certificate of `authority`.
+// A scripted server that is reached by the one protocol or the other, with a certificate of its own.
 class TestService {
 public:
     TestService(Protocol protocol, TLSServer::Script script, const std::string& names = "IP:127.0.0.1")
-        : identity(authority.issue(names)),
-          server(protocol == Protocol::http1 ? &identity : nullptr, std::move(script)) {
+        : identity(names), server(protocol == Protocol::http1 ? &identity : nullptr, std::move(script)) {
         if (protocol == Protocol::http2)
             front.emplace(identity, server.port);
     }
@@ -38,11 +35,12 @@ public:
     // How many connections the client has made.
     int connections() const { return front ? front->connectionsUsed() : server.accepted.load(); }
 
-    std::filesystem::path authorityFile() const { return folder.write("authority.pem", authority.pem()); }
+    std::filesystem::path authorityFile() const {
+        return folder.write("authority.pem", identity.certificatePEM());
+    }
 
 private:
     TemporaryFolder folder;
-    TestAuthority authority;
     Identity identity;
     TLSServer server;
     std::optional<HTTP2Front> front;

@@ -1,11 +1,13 @@
-#include "Service/CertificateKeeper.h"
+#include "Service/HTTPS/CertificateKeeper.h"
 
-#include "Service/Handles.h"
+#include "Service/Support/Handles.h"
 #include "Support/Files.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
+#include <sys/file.h>
 
 using namespace lumarin::service;
 using namespace tests;
@@ -43,7 +45,9 @@ TEST_F(CertificateTest, IsMadePrivateAndKept) {
     auto made = ensure();
     EXPECT_EQ(permissionsOf(key), 0600U);
     EXPECT_EQ(permissionsOf(folder / "a"), 0700U);
+    std::filesystem::permissions(key, std::filesystem::perms{0644});
     EXPECT_EQ(ensure(), made);
+    EXPECT_EQ(permissionsOf(key), 0600U);
     EXPECT_EQ(ensure(today + 9 * year), made);
 }
 
@@ -97,7 +101,20 @@ TEST_F(CertificateTest, IsRenewedWhileTheServiceRuns) {
     const auto first = keeper.context();
     keeper.renew(today + year);
     EXPECT_EQ(keeper.context(), first);
-    keeper.renew(today + 10 * year - std::chrono::days(20));
+    // Nothing waits for a lock, and another's key may have its certificate in a moment.
+    const auto soon = today + 10 * year - std::chrono::days(20);
+    {
+        const Descriptor locked(::open(certificate.parent_path().c_str(), O_RDONLY));
+        ASSERT_EQ(::flock(locked.number(), LOCK_EX), 0);
+        keeper.renew(soon);
+    }
+    const auto own = bytesOf(key);
+    writeFile(key, "another's");
+    keeper.renew(soon);
+    EXPECT_EQ(bytesOf(key), "another's");
+    EXPECT_EQ(keeper.context(), first);
+    writeFile(key, own);
+    keeper.renew(soon);
     const auto second = keeper.context();
     EXPECT_NE(second, first);
     EXPECT_GT(keeper.expiry(), today + 19 * year);

@@ -1,6 +1,6 @@
 #include "Service/Limits.h"
 
-#include "Service/Refusal.h"
+#include "Service/Engine/Refusal.h"
 
 #include <gtest/gtest.h>
 #include <vector>
@@ -11,10 +11,10 @@ using namespace std::chrono_literals;
 namespace {
 
 // Why a device is refused, and for how long; nothing if it is not.
-std::pair<std::string, int> refusal(Limits& limits, const std::string& device,
-                                    Limits::Clock::time_point now) {
+std::pair<std::string, int> refusal(Limits& limits, const std::string& device, Limits::Clock::time_point now,
+                                    const std::string& address = "1") {
     try {
-        limits.admit(device, now);
+        limits.admit(device, address, now);
         return {};
     } catch (const Refusal& refused) {
         EXPECT_EQ(refused.status, 429);
@@ -28,7 +28,7 @@ using Refused = std::pair<std::string, int>;
 } // namespace
 
 TEST(Limits, HoldADeviceToItsRateAndAllToTheirs) {
-    Limits limits({.perMinute = 10, .atOnce = 0}, {.perMinute = 6, .atOnce = 0});
+    Limits limits({.perMinute = 10, .atOnce = 0}, {}, {.perMinute = 6, .atOnce = 0});
     const auto start = Limits::Clock::now();
     for (int number = 0; number < 6; ++number)
         EXPECT_EQ(refusal(limits, "a", start), Refused()) << number;
@@ -42,25 +42,30 @@ TEST(Limits, HoldADeviceToItsRateAndAllToTheirs) {
 }
 
 TEST(Limits, CountWhatIsUnderWay) {
-    Limits limits({.perMinute = 0, .atOnce = 3}, {.perMinute = 0, .atOnce = 2});
+    Limits limits({.perMinute = 0, .atOnce = 4}, {.perMinute = 4, .atOnce = 3},
+                  {.perMinute = 0, .atOnce = 2});
     const auto now = Limits::Clock::now();
     {
         std::vector<Limits::Pass> passes;
-        passes.push_back(limits.admit("a", now));
-        passes.push_back(limits.admit("a", now));
+        passes.push_back(limits.admit("a", "1", now));
+        passes.push_back(limits.admit("a", "1", now));
         EXPECT_EQ(refusal(limits, "a", now).first, "device at once");
-        passes.push_back(limits.admit("b", now));
-        EXPECT_EQ(refusal(limits, "b", now).first, "at once");
-        EXPECT_EQ(limits.underWay(), 3U);
+        passes.push_back(limits.admit("b", "1", now));
+        // However many devices an address invents.
+        EXPECT_EQ(refusal(limits, "c", now).first, "address at once");
+        passes.push_back(limits.admit("c", "2", now));
+        EXPECT_EQ(refusal(limits, "d", now, "2").first, "at once");
+        EXPECT_EQ(limits.underWay(), 4U);
     }
     EXPECT_EQ(refusal(limits, "b", now), Refused());
+    EXPECT_EQ(refusal(limits, "d", now), Refused("address rate", 15));
     EXPECT_EQ(limits.underWay(), 0U);
 }
 
 TEST(Limits, ForgetDevicesThatInventTheirNames) {
-    Limits limits({}, {.perMinute = 60, .atOnce = 4});
+    Limits limits({}, {}, {.perMinute = 60, .atOnce = 4});
     auto now = Limits::Clock::now();
     for (int number = 0; number < 100'000; ++number, now += 1ms)
-        limits.admit("device " + std::to_string(number), now);
+        limits.admit("device " + std::to_string(number), "1", now);
     EXPECT_LT(limits.knownDevices(), 5'000U);
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "Service/Handles.h"
+#include "Service/Support/Handles.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <array>
 #include <stdexcept>
@@ -30,12 +31,18 @@ public:
         return bytes.empty() || SSL_write(session.get(), bytes.data(), static_cast<int>(bytes.size())) > 0;
     }
 
+    // What comes next; nothing once the server has closed the connection.
+    std::string some() {
+        std::array<char, 4096> buffer{};
+        const int count = SSL_read(session.get(), buffer.data(), buffer.size());
+        return {buffer.data(), static_cast<std::size_t>(std::max(count, 0))};
+    }
+
     // All until the server closes the connection.
     std::string rest() {
         std::string all;
-        std::array<char, 4096> buffer{};
-        for (int count = 0; (count = SSL_read(session.get(), buffer.data(), buffer.size())) > 0;)
-            all.append(buffer.data(), static_cast<std::size_t>(count));
+        for (std::string next; !(next = some()).empty();)
+            all += next;
         return all;
     }
 

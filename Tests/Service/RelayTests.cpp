@@ -1,16 +1,16 @@
+#include "Service/RawClient.h"
 #include "Service/RunningService.h"
-#include "Service/Upstream.h"
+#include "Service/Upstream/Upstream.h"
+#include "Support/ComesTrue.h"
 #include "Support/TLSServer.h"
 
 #include <future>
+#include <mutex>
 
 using namespace lumarin::service;
 using namespace tests;
-using namespace std::chrono_literals;
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 constexpr const char* json = "application/json";
 
@@ -30,15 +30,6 @@ TLSServer::Script saying(const std::string& bytes, bool thenCloses = false) {
         while (connection.readRequest() && connection.send(bytes) && !thenCloses)
             continue;
     };
-}
-
-// Waits for a condition that another thread brings about.
-template <typename Condition>
-bool soon(Condition condition) {
-    for (const auto end = Clock::now() + 10s; Clock::now() < end; std::this_thread::sleep_for(1ms))
-        if (condition())
-            return true;
-    return false;
 }
 
 // The service in front of a model server that follows a script.
@@ -70,7 +61,7 @@ struct Relay {
     }
     // The failure that the log gives for the last request.
     std::string failure() const {
-        EXPECT_TRUE(soon([&] { return service.log().back()["event"] == "request"; }));
+        EXPECT_TRUE(comesTrue([&] { return service.log().back()["event"] == "request"; }));
         return service.log().back().value("failure", "");
     }
 
@@ -82,15 +73,21 @@ struct Relay {
 } // namespace
 
 TEST(Relay, AsksTheModelAndPassesEachPieceOnAsItComes) {
+    std::mutex mutex;
     std::vector<TLSConnection::Request> asked;
     std::promise<void> arrived;
     const Relay relay([&, wait = arrived.get_future().share()](TLSConnection& connection) {
         while (auto request = connection.readRequest()) {
+            std::unique_lock lock(mutex);
             asked.push_back(*request);
+            lock.unlock();
             connection.send(streamHead + event({{"choices", {{{"delta", {{"role", "assistant"}}}}}}})
                             + piece("Sam"));
             wait.wait(); // The rest is not sent before the first piece has been seen at the other end.
-            connection.send(piece("ple 🙂", "stop") + event({{"choices", nlohmann::json::array()}}) + done);
+            connection.send(
+                chunk("data:\n\n") + piece("ple 🙂", "EOS_token")
+                + chunk("data: {\"choices\":[{\"delta\":{\"content\":\"\\ud83d\"}}]}\n\n") // Half an emoji.
+                + event({{"choices", nlohmann::json::array()}}) + chunk("data: [DONE] \n\n") + streamEnd);
         }
     });
     std::vector<std::string> pieces;
@@ -104,10 +101,12 @@ TEST(Relay, AsksTheModelAndPassesEachPieceOnAsItComes) {
     EXPECT_EQ(streamed->get_header_value("Content-Type"), "text/event-stream");
     EXPECT_EQ(pieces.front(), "data: {\"choices\":[{\"delta\":{\"content\":\"Sam\"}}]}\n\n");
     EXPECT_EQ(pieces.back(), "data: [DONE]\n\n");
-    EXPECT_EQ(nlohmann::json::parse(relay.whole().value().body), (nlohmann::json{{"text", "Sample 🙂"}}));
+    EXPECT_EQ(nlohmann::json::parse(relay.whole().value().body),
+              (nlohmann::json{{"text", "Sample 🙂�"}}));
 
     // One connection carries both requests.
     EXPECT_EQ(relay.server.accepted, 1);
+    const std::lock_guard lock(mutex);
     ASSERT_EQ(asked.size(), 2U);
     for (const char* line :
          {"POST /v1/chat/completions HTTP/1.1\r\n", "\r\nAuthorization: Bearer sk-secret\r\n"})
@@ -125,14 +124,26 @@ TEST(Relay, AsksTheModelAndPassesEachPieceOnAsItComes) {
 
 // What the model server answers, and what the person is told.
 TEST(Relay, SaysWhatIsWrongWithTheModelServer) {
-    const auto refusing = [](const char* status, const char* headers = "") {
-        return saying(answer(status, headers, R"({"error": {"message": "no luck"}})"));
+    const auto refusing = [](const char* status, const char* headers = "",
+                             const char* body = R"({"error": {"message": "no luck"}})") {
+        return saying(answer(status, headers, body));
     };
     const std::string html = answer("200 OK", "", "<html>");
     const std::tuple<TLSServer::Script, int, const char*, const char*> cases[] = {
         {refusing("401 Unauthorized"), 502, "refused the service's key (401).", "refused key"},
         {refusing("403 Forbidden"), 502, "refused the service's key (403).", "refused key"},
-        {refusing("404 Not Found"), 502, "does not know the model “model-1” (404).", "unknown model"},
+        {refusing("404 Not Found"), 502, "no chat-completions endpoint at the service's --upstream (404)",
+         "no upstream"},
+        {refusing("404 Not Found", "", R"({"error": {"message": "?", "code": "model_not_found"}})"), 502,
+         "does not know the model “model-1” (404).", "unknown model"},
+        {refusing("400 Bad Request", "", R"({"error": "Model Not Exist"})"), 502,
+         "“model-1” (400). It says: Model", "unknown model"},
+        {refusing("400 Bad Request", "", R"({"message": "The model's context is 4096 tokens"})"), 502,
+         "refused the request (400).", "refused request"},
+        {refusing("422 Unprocessable", "", R"({"detail": [{"msg": "no luck"}]})"), 502, "It says: no luck",
+         "refused request"},
+        {refusing("200 OK", "", "{\n\"error\": {\"message\": \"no luck\"}}"), 502, "failed. It says: no luck",
+         "upstream error"},
         {refusing("429 Too Many Requests", "Retry-After: 7\r\n"), 429, "It says: no luck", "upstream rate"},
         {refusing("400 Bad Request"), 502, "refused the request (400). It says: no luck", "refused request"},
         {refusing("500 Internal Server Error"), 502, "failed (500). It says: no luck", "upstream error"},
@@ -144,6 +155,12 @@ TEST(Relay, SaysWhatIsWrongWithTheModelServer) {
         {saying(streamHead + chunk(std::string(3'000'000, 'x'))), 502, "makes no sense", "senseless answer"},
         {saying(streamHead + event({{"error", {{"message", "no memory"}}}}), true), 502, "says: no memory",
          "upstream error"},
+        {saying(streamHead + chunk("error: {\"message\": \"no luck\"}\n\n") + done), 502, "says: no luck",
+         "upstream error"},
+        {saying(streamHead + event({{"object", "error"}, {"message", "no luck"}}) + done), 502,
+         "says: no luck", "upstream error"},
+        {saying(streamHead + event({{"x", 1}}) + done), 502, "makes no sense", "senseless answer"},
+        {saying(streamHead + piece("", "MAX_TOKENS") + done), 502, "It says: MAX_TOKENS", "broken off"},
         {saying(streamHead + piece("", "length") + done), 502, "too long for the model", "broken off"},
         {saying("", true), 502, "The model server was lost.", "lost"},
         {[](TLSConnection& connection) {
@@ -182,6 +199,7 @@ TEST(Relay, NeverLetsABrokenTranslationLookComplete) {
         {saying(begun + streamEnd), "lost"},
         {saying(begun + chunk("data: {\n\n")), "senseless answer"},
         {saying(begun + piece("ple", "length") + done), "broken off"},
+        {saying(begun + piece("ple", "abort") + done), "broken off"},
         {saying(begun), "time-out"},
     };
     for (const auto& [script, failure] : cases) {
@@ -198,6 +216,22 @@ TEST(Relay, NeverLetsABrokenTranslationLookComplete) {
     }
 }
 
+// The model server has long said all, in more bytes than there is room for on the way.
+TEST(Relay, DoesNotTakeASlowClientForASilentModelServer) {
+    std::string all = streamHead;
+    for (int number = 0; number < 200; ++number)
+        all += piece(std::string(50'000, 'a'));
+    const Relay relay(saying(all + piece("", "stop") + done));
+    bool hasSlept = false;
+    const auto streamed = relay.stream([&](const std::string&) {
+        if (!std::exchange(hasSlept, true))
+            std::this_thread::sleep_for(1500ms); // More than the model server may be silent.
+        return true;
+    });
+    ASSERT_TRUE(streamed);
+    EXPECT_EQ(relay.failure(), "");
+}
+
 TEST(Relay, LeavesTheModelServerAtOnceWhenTheClientHasGone) {
     std::atomic<Clock::rep> seen = 0;
     const Relay relay([&](TLSConnection& connection) {
@@ -208,7 +242,7 @@ TEST(Relay, LeavesTheModelServerAtOnceWhenTheClientHasGone) {
     });
     relay.stream([](const std::string&) { return false; });
     const auto left = Clock::now().time_since_epoch().count();
-    ASSERT_TRUE(soon([&] { return seen != 0; }));
+    ASSERT_TRUE(comesTrue([&] { return seen != 0; }));
     EXPECT_LT(Clock::duration(seen - left), 100ms);
     EXPECT_EQ(relay.failure(), "client gone");
 }
@@ -245,7 +279,29 @@ TEST(Relay, GivesStreamsUnderWayTheirTimeWhenItStops) {
         if (abandons)
             stopped.set_value();
         relay.service.stop();
+        EXPECT_EQ(relay.failure(), abandons ? "stopped" : "");
     }
+}
+
+TEST(Relay, TakesNoMoreRequestsWhenItStops) {
+    std::atomic<int> asked = 0;
+    std::promise<void> stopped;
+    Relay relay([&, wait = stopped.get_future().share()](TLSConnection& connection) {
+        while (connection.readRequest() && ++asked > 0) {
+            wait.wait();
+            connection.send(streamHead + piece("Sample", "stop") + done);
+        }
+    });
+    const std::string body = RunningService::streamRequest("样品").dump();
+    const std::string request =
+        "POST /v1/translate HTTP/1.1\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+    RawClient client(relay.service.port);
+    client.send(request + request);
+    ASSERT_TRUE(comesTrue([&] { return asked == 1; }));
+    relay.service.server.stop();
+    stopped.set_value();
+    EXPECT_NE(client.rest().find("[DONE]"), std::string::npos);
+    EXPECT_EQ(asked, 1);
 }
 
 TEST(Relay, LimitsWhatADeviceAsksFor) {
@@ -266,12 +322,11 @@ TEST(Relay, LimitsWhatADeviceAsksFor) {
 }
 
 TEST(Relay, ChecksTheModelServersCertificate) {
-    const TestAuthority authority;
-    const Identity identity = authority.issue("DNS:localhost");
+    const Identity identity("DNS:localhost");
     const TLSServer server(&identity, saying(streamHead + piece("Sample", "stop") + done));
     TemporaryFolder folder;
-    const auto trusted =
-        std::make_shared<platform::TrustedCertificates>(folder.write("authority.pem", authority.pem()));
+    const auto trusted = std::make_shared<platform::TrustedCertificates>(
+        folder.write("authority.pem", identity.certificatePEM()));
     const std::tuple<const char*, std::shared_ptr<const platform::TrustedCertificates>, int> cases[] = {
         {"localhost", trusted, 200}, {"localhost", nullptr, 502}, {"127.0.0.1", trusted, 502}};
     for (const auto& [host, authorities, status] : cases) {

@@ -1,6 +1,7 @@
-#include "Service/Gloss.h"
+#include "Service/Gloss/Gloss.h"
 #include "Service/RawClient.h"
 #include "Service/RunningService.h"
+#include "Support/TLSServer.h"
 
 using namespace lumarin::service;
 using namespace tests;
@@ -65,7 +66,7 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
          "\"system_prompt\" is missing"},
         {"POST", "/v1/translate", notStreamed.dump(), 400, "\"stream\" is not true"},
         {"POST", "/v1/translate", RunningService::streamRequest("好", "JA").dump(), 501, "--upstream"},
-        {"POST", "/v1/free", RunningService::wholeRequest("好", "JA").dump(), 501, "--upstream"},
+        {"POST", "/v1/free", RunningService::wholeRequest("好", "en").dump(), 501, "--upstream"},
         {"POST", "/v1/free", tooLong, 413, "1 MiB"},
         {"POST", "/v1/other", "{}", 404, "nothing at this address"},
         {"GET", "/v1/translate", "", 405, "method"},
@@ -80,6 +81,7 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
         ASSERT_TRUE(answer) << path << ' ' << sentence;
         EXPECT_EQ(answer->status, status) << path << ' ' << sentence;
         EXPECT_NE(answer->body.find(sentence), std::string::npos) << answer->body;
+        EXPECT_LE(answer->body.size(), 100U) << "as much as is shown: " << answer->body;
     }
     EXPECT_EQ(client->Put("/v1/translate", "", json)->get_header_value("Allow"), "HEAD, POST");
 }
@@ -172,12 +174,19 @@ TEST_F(ServerTest, IsNotHeldUpBySlowClients) {
 
 TEST_F(ServerTest, OutlivesWhatIsNoRequest) {
     const std::string post = "POST /v1/free HTTP/1.1\r\n";
+    const std::string request = RunningService::streamRequest("样品").dump();
+    const std::string chunked = chunk(RunningService::wholeRequest("样品").dump()) + streamEnd;
     const std::pair<std::string, const char*> cases[] = {
         {std::string("\0\xff\r\n\r\n", 6), "HTTP/1.1 400"},
         {"GET " + std::string(10'000, 'a') + " HTTP/1.1\r\n\r\n", "HTTP/1.1 414"},
-        {"GET /healthz HTTP/1.1\r\nX: " + std::string(40'000, 'a'), ""},
+        {"GET /healthz HTTP/1.1\r\nX: " + std::string(40'000, 'a'), "HTTP/1.1 400"},
         {"GET /healthz HTTP/1.1\r\nRange: bytes=0-1,0-1,0-1\r\nConnection: close\r\n\r\n", "HTTP/1.1 200"},
         {post + "Content-Length: 99999999999999999999\r\n\r\n{}", "HTTP/1.1 413"},
+        {post + "Transfer-Encoding: Chunked\r\nConnection: close\r\n\r\n" + chunked, "HTTP/1.1 200"},
+        // Kept by no client of that time, and read by none in chunks.
+        {"POST /v1/translate HTTP/1.0\r\nConnection: Keep-Alive\r\nContent-Length: "
+             + std::to_string(request.size()) + "\r\n\r\n" + request,
+         "HTTP/1.1 200"},
         {post + "Content-Length: -1\r\n\r\n{}", "HTTP/1.1 400"},
         {post + "Content-Length: 2\r\nContent-Length: 3\r\n\r\n{}", "HTTP/1.1 400"},
         {post + "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n{}", "HTTP/1.1 400"},
@@ -194,8 +203,36 @@ TEST_F(ServerTest, OutlivesWhatIsNoRequest) {
         const auto answer = raw.rest();
         EXPECT_TRUE(answer.starts_with(expected)) << bytes.substr(0, 80) << " -> " << answer;
         EXPECT_EQ(answer.find("HTTP/1.1", 1), std::string::npos) << answer;
+        EXPECT_EQ(answer.find("chunked"), std::string::npos) << answer;
     }
     EXPECT_EQ(client->Get("/healthz").value().status, 200);
+}
+
+TEST_F(ServerTest, LetsAClientWaitForTheLeaveToSendItsBody) {
+    const std::string body = RunningService::wholeRequest("样品").dump();
+    RawClient raw(service.port);
+    raw.send("POST /v1/free HTTP/1.1\r\nExpect: 100-continue\r\nConnection: close\r\nContent-Length: "
+             + std::to_string(body.size()) + "\r\n\r\n");
+    EXPECT_EQ(raw.some(), "HTTP/1.1 100 Continue\r\n\r\n");
+    raw.send(body);
+    EXPECT_TRUE(raw.rest().starts_with("HTTP/1.1 200"));
+}
+
+TEST_F(ServerTest, NeverTakesThePlaceOfADownload) {
+    constexpr std::size_t length = 20'000'000;
+    updates.write("package.deb", std::string(length, 'p'));
+    const RunningService small(gloss, [&](Options& options) {
+        options.connections = 2;
+        options.appcast = updates.path();
+    });
+    RawClient raw(small.port);
+    raw.send("GET /appcast/package.deb HTTP/1.1\r\nConnection: close\r\n\r\n");
+    std::string answer = raw.some();
+    std::vector<std::unique_ptr<httplib::SSLClient>> others; // Each takes the place of the one before.
+    for (int number = 0; number < 3; ++number)
+        EXPECT_EQ(others.emplace_back(small.client())->Get("/healthz").value().status, 200);
+    answer += raw.rest();
+    EXPECT_GT(answer.size(), length);
 }
 
 TEST_F(ServerTest, EndsAtOnceWithAnIdleConnectionOpen) {

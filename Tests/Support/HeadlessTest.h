@@ -31,6 +31,21 @@ protected:
         return std::move(result.value());
     }
 
+    // How long the program goes on by itself: an hour if it never ends.
+    platform::Duration timeToRest() {
+        const auto start = host.clock.now();
+        host.clock.drain(1h);
+        return host.clock.now() - start;
+    }
+
+    static void expectRect(const platform::Rect& rect, const platform::Rect& expected,
+                           const std::string& name) {
+        EXPECT_NEAR(rect.x, expected.x, 1e-9) << name;
+        EXPECT_NEAR(rect.y, expected.y, 1e-9) << name;
+        EXPECT_NEAR(rect.width, expected.width, 1e-9) << name;
+        EXPECT_NEAR(rect.height, expected.height, 1e-9) << name;
+    }
+
     TemporaryFolder folder;
     platform::headless::HeadlessHost host{folder.path(), LUMARIN_RESOURCES};
 

@@ -122,6 +122,12 @@ std::pair<int, int> listenOnLoopback() {
     return {listener, portOf(listener)};
 }
 
+int freePort() {
+    const auto [listener, port] = listenOnLoopback();
+    close(listener);
+    return port;
+}
+
 TLSServer::TLSServer(const Identity* identity, Script forEach)
     : TLSServer(listenOnLoopback(), identity, std::move(forEach)) {}
 

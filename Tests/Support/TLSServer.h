@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Support/Certificates.h"
+#include "Support/Identity.h"
 
 #include <atomic>
 #include <chrono>
@@ -87,6 +87,8 @@ private:
 
 // A socket that listens on the loopback, and its port.
 std::pair<int, int> listenOnLoopback();
+// One that nobody listens on.
+int freePort();
 
 // Answers, ready to be sent.
 std::string answer(const std::string& status, const std::string& headers, const std::string& body);

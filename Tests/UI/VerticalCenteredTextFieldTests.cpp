@@ -8,13 +8,6 @@ namespace {
 
 struct VerticalCenteredTextFieldTest : tests::HeadlessTest {};
 
-void expectRect(const Rect& rect, const Rect& expected, const char* name) {
-    EXPECT_DOUBLE_EQ(rect.x, expected.x) << name;
-    EXPECT_DOUBLE_EQ(rect.y, expected.y) << name;
-    EXPECT_DOUBLE_EQ(rect.width, expected.width) << name;
-    EXPECT_DOUBLE_EQ(rect.height, expected.height) << name;
-}
-
 } // namespace
 
 TEST_F(VerticalCenteredTextFieldTest, DrawsAndSelectsItsLineInTheMiddleWhateverChanges) {

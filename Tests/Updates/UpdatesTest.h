@@ -1,19 +1,16 @@
 #pragma once
 
-#include "Platform/Foundation/StringsFile.h"
 #include "Platform/Foundation/Text.h"
 #include "Platform/Headless/HeadlessHost.h"
 #include "Platform/Updates/StandardUpdaterController.h"
+#include "Support/ComesTrue.h"
 #include "Support/Files.h"
 
 #include <gtest/gtest.h>
 #include <map>
 #include <sodium.h>
-#include <thread>
 
 namespace tests {
-
-using namespace std::chrono_literals;
 
 inline std::string base64(std::string_view bytes) {
     std::string text(sodium_base64_encoded_len(bytes.size(), sodium_base64_VARIANT_ORIGINAL), '\0');
@@ -95,11 +92,10 @@ protected:
 
     // Advances until something that takes real time has come about.
     void await(const std::function<bool()>& condition) {
-        for (int attempt = 0; attempt < 10'000 && !condition(); ++attempt) {
-            host.advance(1ms);
-            std::this_thread::sleep_for(1ms);
-        }
-        ASSERT_TRUE(condition());
+        ASSERT_TRUE(comesTrue([&] {
+            host.advance(5ms);
+            return condition();
+        }));
     }
 
     std::string text(const std::string& textKey) const {
@@ -122,7 +118,10 @@ protected:
     std::string reason;
     std::shared_ptr<platform::UpdaterDelegate> delegate{this, [](platform::UpdaterDelegate*) {}};
     std::optional<platform::StandardUpdaterController> controller{
-        std::in_place, delegate, [this](const std::string& textKey) { return text(textKey); }};
+        std::in_place, delegate,
+        platform::StandardUpdaterController::Texts{
+            [this](const std::string& textKey) { return text(textKey); },
+            [](const std::exception& error) { return std::string(error.what()); }}};
 };
 
 } // namespace tests

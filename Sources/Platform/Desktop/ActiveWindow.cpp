@@ -1,5 +1,6 @@
 #include "Platform/Desktop/ActiveWindow.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <filesystem>
@@ -26,6 +27,17 @@ xcb_window_t topLevelAround(const XConnection& x, xcb_window_t window) {
     return topLevel;
 }
 
+// Whether a window manager is there that says which window is active, and changes that when asked. What one
+// that is gone has left behind counts for nothing.
+bool isManaged(const XConnection& x) {
+    constexpr const char* sign = "_NET_SUPPORTING_WM_CHECK";
+    const auto manager = x.propertyValue(x.root(), sign);
+    if (!manager || x.propertyValue(*manager, sign) != manager)
+        return false;
+    const auto supported = x.property(x.root(), x.atom("_NET_SUPPORTED"));
+    return supported && std::ranges::count(supported->values(), x.atom("_NET_ACTIVE_WINDOW")) != 0;
+}
+
 std::string untilZero(const std::string& bytes) {
     return bytes.substr(0, bytes.find('\0'));
 }
@@ -40,7 +52,8 @@ std::string ownMachine() {
 } // namespace
 
 xcb_window_t activeWindow(const XConnection& x) {
-    if (auto active = x.propertyValue(x.root(), "_NET_ACTIVE_WINDOW"); active && *active != XCB_NONE)
+    auto active = x.propertyValue(x.root(), "_NET_ACTIVE_WINDOW");
+    if (active && *active != XCB_NONE && isManaged(x))
         return *active;
     auto focus = x.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x));
     if (!focus || focus->focus == XCB_INPUT_FOCUS_NONE)
@@ -51,7 +64,14 @@ xcb_window_t activeWindow(const XConnection& x) {
     return pointer ? pointer->child : xcb_window_t{XCB_NONE};
 }
 
-void bringToFront(const XConnection& x, xcb_window_t window) {
+std::optional<xcb_window_t> focusedWindow(const XConnection& x) {
+    auto focus = x.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x));
+    if (!focus || focus->focus == XCB_INPUT_FOCUS_NONE || focus->focus == XCB_INPUT_FOCUS_POINTER_ROOT)
+        return std::nullopt;
+    return focus->focus;
+}
+
+void bringToFront(const XConnection& x, xcb_window_t window, std::optional<xcb_window_t> focus) {
     xcb_client_message_event_t request{};
     request.response_type = XCB_CLIENT_MESSAGE;
     request.format = 32;
@@ -66,6 +86,14 @@ void bringToFront(const XConnection& x, xcb_window_t window) {
     xcb_send_event(x, 0, x.root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    message.data());
     x.flush();
+    if (isManaged(x))
+        return;
+    constexpr std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(x, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    for (const auto target : {focus.value_or(window), window})
+        if (x.errorOf(xcb_set_input_focus_checked(x, XCB_INPUT_FOCUS_POINTER_ROOT, target, XCB_CURRENT_TIME))
+            == 0)
+            return;
 }
 
 WindowClass windowClassOf(const XConnection& x, xcb_window_t window) {

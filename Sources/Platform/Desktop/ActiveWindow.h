@@ -10,8 +10,13 @@ namespace platform::desktop {
 // None while nothing has it. Any thread.
 xcb_window_t activeWindow(const XConnection& x);
 
-// Asks the window manager to bring the window to the front and to give it the keyboard.
-void bringToFront(const XConnection& x, xcb_window_t window);
+// The window that keys go to, a top-level one or one in it. None where the pointer decides.
+std::optional<xcb_window_t> focusedWindow(const XConnection& x);
+
+// Brings the top-level window to the front and gives it the keyboard: asks the window manager for both, or
+// does both where there is none that would. Then keys go to `focus` in it if that is still there.
+void bringToFront(const XConnection& x, xcb_window_t window,
+                  std::optional<xcb_window_t> focus = std::nullopt);
 
 // The two names a window gives its kind by.
 struct WindowClass {

@@ -47,11 +47,14 @@ ApplicationNames::applicationsIn(const std::vector<std::filesystem::path>& folde
     std::vector<Application> result;
     for (const auto& folder : folders) {
         std::error_code error;
-        for (const auto& file : std::filesystem::directory_iterator(folder / "applications", error)) {
-            if (file.path().extension() != ".desktop")
+        // A folder that cannot be read to its end ends there.
+        for (std::filesystem::directory_iterator next(folder / "applications", error), end;
+             !error && next != end; next.increment(error)) {
+            const auto& file = next->path();
+            if (file.extension() != ".desktop")
                 continue;
-            if (const auto entry = DesktopEntry::read(file.path()))
-                result.push_back({file.path().stem().string(), entry->value("StartupWMClass").value_or(""),
+            if (const auto entry = DesktopEntry::read(file))
+                result.push_back({file.stem().string(), entry->value("StartupWMClass").value_or(""),
                                   entry->localizedValue("Name", locales)});
         }
     }

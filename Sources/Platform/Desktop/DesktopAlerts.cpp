@@ -1,6 +1,7 @@
 #include "Platform/Desktop/DesktopAlerts.h"
 
 #include "Platform/Desktop/ActiveWindow.h"
+#include "Platform/Desktop/ApplicationIcon.h"
 #include "Platform/Desktop/DesktopProgressWindow.h"
 
 #include <QEventLoop>
@@ -10,11 +11,6 @@ namespace platform::desktop {
 namespace {
 
 constexpr const char* agreement = "alert.ok";
-
-void showInFront(const XConnection& x, QWidget& window) {
-    window.show();
-    bringToFront(x, static_cast<xcb_window_t>(window.winId()));
-}
 
 } // namespace
 
@@ -26,12 +22,12 @@ std::size_t DesktopAlerts::runModal(const Alert& alert) {
     asking.push_back(&window);
     QEventLoop untilAnswered;
     QObject::connect(&window, &QDialog::finished, &untilAnswered, &QEventLoop::quit);
-    showInFront(x, window);
+    showInFront(window);
     untilAnswered.exec();
     asking.pop_back();
     if (!asking.empty()) {
         asking.back()->setEnabled(true);
-        showInFront(x, *asking.back());
+        showInFront(*asking.back());
     }
     return window.choice();
 }
@@ -40,7 +36,7 @@ std::unique_ptr<ProgressWindow> DesktopAlerts::showProgress(const Alert& alert,
                                                             std::function<void()> onCancel) {
     auto window =
         std::make_unique<DesktopProgressWindow>(alert, texts.text("progress.cancel"), std::move(onCancel));
-    showInFront(x, window->widget());
+    showInFront(window->widget());
     return window;
 }
 
@@ -49,7 +45,13 @@ void DesktopAlerts::tell(const Alert& alert) {
         telling = new AlertWindow(alert, texts.text(agreement));
         telling->setAttribute(Qt::WA_DeleteOnClose);
     }
-    showInFront(x, *telling);
+    showInFront(*telling);
+}
+
+void DesktopAlerts::showInFront(QWidget& window) {
+    window.setWindowIcon(applicationIcon(bundle));
+    window.show();
+    bringToFront(x, static_cast<xcb_window_t>(window.winId()));
 }
 
 } // namespace platform::desktop

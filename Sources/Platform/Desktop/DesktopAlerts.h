@@ -12,7 +12,8 @@ namespace platform::desktop {
 // can be answered. Main thread.
 class DesktopAlerts : public Alerts {
 public:
-    DesktopAlerts(const XConnection& display, const HostTexts& hostTexts) : x(display), texts(hostTexts) {}
+    DesktopAlerts(const XConnection& display, const HostTexts& hostTexts, const Bundle& drawings)
+        : x(display), texts(hostTexts), bundle(drawings) {}
 
     // Returns also when the event loop of the program is ended.
     std::size_t runModal(const Alert& alert) override;
@@ -22,8 +23,11 @@ public:
     void tell(const Alert& alert);
 
 private:
+    void showInFront(QWidget& window);
+
     const XConnection& x;
     const HostTexts& texts;
+    const Bundle& bundle;
     std::vector<AlertWindow*> asking;
     QPointer<AlertWindow> telling;
 };

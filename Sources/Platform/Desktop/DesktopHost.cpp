@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 
 #include <QApplication>
 #include <QWindow>
@@ -44,17 +45,29 @@ std::filesystem::path placeOfCertificate(const std::filesystem::path& name, cons
     return folders.applicationSupport / name;
 }
 
+// Those that a window manager knows: neither the menu nor the pill.
+std::vector<QWindow*> openWindows() {
+    std::vector<QWindow*> result;
+    for (auto* window : QGuiApplication::topLevelWindows()) {
+        const bool isOrdinary = window->type() == Qt::Window || window->type() == Qt::Dialog;
+        if (isOrdinary && window->isVisible() && !window->flags().testFlag(Qt::BypassWindowManagerHint))
+            result.push_back(window);
+    }
+    return result;
+}
+
 } // namespace
 
-DesktopHost::DesktopHost(int& argumentCount, char** arguments)
-    : qt(std::make_unique<QApplication>(argumentCount, arguments)),
+DesktopHost::DesktopHost(char* program)
+    : arguments(program),
+      qt(std::make_unique<QApplication>(arguments.count(), arguments.values())),
       keyboardNotices(std::make_unique<KeyboardNoticeFilter>(display)),
       runLoop(std::make_unique<QtRunLoop>()),
       folders(sessionDirectories()),
       bundle(folders.resources, folders.configuration / "Info.json"),
       windows(std::make_unique<DesktopWindowServer>(*runLoop, bundle)),
       keys(std::make_unique<DesktopKeyboard>(display, *runLoop, postedKeys)),
-      applications(display, ApplicationNames(dataFolders(), preferredLocales())),
+      applications(display, ApplicationNames(dataFolders(), preferredLocales()), postedKeys),
       bar(display, bundle,
           [this](const std::string& command) {
               if (command == "terminate:")
@@ -64,17 +77,22 @@ DesktopHost::DesktopHost(int& argumentCount, char** arguments)
       defaults(folders.configuration / "defaults.json") {
     // A program without windows is running all the same.
     qt->setQuitOnLastWindowClosed(false);
-    signals.report([this] { endEventLoop(); });
+    terminations.report([this] { endEventLoop(); });
+    calls.report([this] { reopen(); });
     watchedDisplay = &display;
     qInstallMessageHandler(handleMessage);
 }
 
-DesktopHost::~DesktopHost() {
-    qInstallMessageHandler(nullptr);
-    watchedDisplay = nullptr;
+DesktopHost::~DesktopHost() = default;
+
+void DesktopHost::exit() {
     background.stop();
     if (backgroundThread.joinable())
         backgroundThread.join();
+    pasteboard.reset();
+    keys.reset();
+    std::fflush(nullptr);
+    std::_Exit(0);
 }
 
 void DesktopHost::runEventLoop() {
@@ -96,11 +114,15 @@ void DesktopHost::endEventLoop() {
 }
 
 void DesktopHost::activate() {
-    for (auto* window : QGuiApplication::topLevelWindows()) {
-        const bool isOrdinary = window->type() == Qt::Window || window->type() == Qt::Dialog;
-        if (isOrdinary && window->isVisible() && !window->flags().testFlag(Qt::BypassWindowManagerHint))
-            bringToFront(display, static_cast<xcb_window_t>(window->winId()));
-    }
+    for (auto* window : openWindows())
+        bringToFront(display, static_cast<xcb_window_t>(window->winId()));
+}
+
+void DesktopHost::reopen() {
+    if (!openWindows().empty())
+        activate();
+    else if (auto delegate = app.delegate.lock())
+        delegate->applicationDidReopen();
 }
 
 bool DesktopHost::isProcessTrusted() {

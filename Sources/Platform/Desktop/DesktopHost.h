@@ -6,11 +6,15 @@
 #include "Platform/Desktop/DesktopPasteboard.h"
 #include "Platform/Desktop/DesktopStatusBar.h"
 #include "Platform/Desktop/DesktopWorkspace.h"
+#include "Platform/Desktop/EventDrain.h"
+#include "Platform/Desktop/QtArguments.h"
 #include "Platform/Desktop/QtRunLoop.h"
-#include "Platform/Desktop/TerminationSignals.h"
+#include "Platform/Desktop/SignalWatch.h"
+#include "Platform/Desktop/SingleInstance.h"
 #include "Platform/Foundation/ThreadRunLoop.h"
 #include "Platform/Host.h"
 
+#include <csignal>
 #include <thread>
 
 class QApplication;
@@ -19,13 +23,17 @@ namespace platform::desktop {
 
 class KeyboardNoticeFilter;
 
-// A Linux desktop: Qt 6 and X11. Made and dropped on the main thread. When the display goes away the program
-// ends with a sentence on standard error and status 1.
+// A Linux desktop: Qt 6 and X11. Made on the main thread. When the display goes away the program ends with a
+// sentence on standard error and status 1.
 class DesktopHost : public Host {
 public:
-    // Throws DisplayError. The arguments are Qt's and outlive the host.
-    DesktopHost(int& argumentCount, char** arguments);
+    // Throws DisplayError. `program` is the name the program was started by and outlives the host.
+    explicit DesktopHost(char* program);
     ~DesktopHost() override;
+
+    // Leaves the session as it was found and ends the program, with status 0. What is under way just ends
+    // with it: tasks wait, on threads of their own too, for what could not be dropped in any order.
+    [[noreturn]] void exit();
 
     Application& application() override { return app; }
     StatusBar& statusBar() override { return bar; }
@@ -37,7 +45,7 @@ public:
     RunLoop& mainRunLoop() override { return *runLoop; }
     Executor& backgroundExecutor() override { return background; }
     Keyboard& keyboard() override { return *keys; }
-    Pasteboard& generalPasteboard() override { return pasteboard; }
+    Pasteboard& generalPasteboard() override { return *pasteboard; }
     Workspace& workspace() override { return applications; }
     bool isProcessTrusted() override;
     bool promptForTrust() override;
@@ -52,12 +60,16 @@ public:
 
 private:
     void startBackground();
+    void reopen();
 
-    // First: no thread may be there before it.
-    TerminationSignals signals;
+    // First: no thread may be there before them.
+    SignalWatch terminations{SIGTERM, SIGINT, SIGHUP};
+    SignalWatch calls{SingleInstance::call};
     // Next: without a display Qt would end the program in its own way.
     XConnection display;
+    QtArguments arguments;
     std::unique_ptr<QApplication> qt;
+    const EventDrain drain{display};
     std::unique_ptr<KeyboardNoticeFilter> keyboardNotices;
     std::unique_ptr<QtRunLoop> runLoop;
     const Directories folders;
@@ -65,17 +77,16 @@ private:
     std::unique_ptr<WindowServer> windows;
     PostedKeys postedKeys;
     std::unique_ptr<DesktopKeyboard> keys;
-    DesktopPasteboard pasteboard{postedKeys};
+    std::optional<DesktopPasteboard> pasteboard{std::in_place, postedKeys};
     DesktopWorkspace applications;
     Application app;
     const HostTexts texts{bundle, app};
-    DesktopAlerts alertWindows{display, texts};
+    DesktopAlerts alertWindows{display, texts, bundle};
     DesktopStatusBar bar;
     DesktopLoginItem autostart;
     UserDefaults defaults;
     NotificationCenter notifications;
     ThreadRunLoop background;
-    // Last: it uses what stands above.
     std::thread backgroundThread;
 };
 

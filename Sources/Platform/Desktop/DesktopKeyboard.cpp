@@ -1,5 +1,7 @@
 #include "Platform/Desktop/DesktopKeyboard.h"
 
+#include "Platform/Desktop/TrustObstacle.h"
+
 #include <atomic>
 
 namespace platform::desktop {
@@ -97,10 +99,11 @@ private:
 } // namespace
 
 std::unique_ptr<EventTap> DesktopKeyboard::createEventTap(EventMask events, EventTap::Callback callback) {
-    auto tap = std::make_unique<FunctionKeyTap>(watch, events, std::move(callback));
-    if (!tap->takeKey())
+    // Within a Wayland session the server has all that it takes, but hears only of its own windows' keys.
+    if (trustObstacle(display))
         return nullptr;
-    return tap;
+    auto tap = std::make_unique<FunctionKeyTap>(watch, events, std::move(callback));
+    return tap->takeKey() ? std::move(tap) : nullptr;
 }
 
 std::unique_ptr<EventMonitor>

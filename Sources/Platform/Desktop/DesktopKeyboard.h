@@ -10,11 +10,12 @@ namespace platform::desktop {
 class DesktopKeyboard : public Keyboard {
 public:
     // `mainRunLoop` is where monitors are called.
-    DesktopKeyboard(const XConnection& display, RunLoop& mainRunLoop, PostedKeys& postedKeys)
-        : mainLoop(mainRunLoop),
-          injector(keyEvents, display),
+    DesktopKeyboard(const XConnection& x, RunLoop& mainRunLoop, PostedKeys& postedKeys)
+        : display(x),
+          mainLoop(mainRunLoop),
+          injector(keyEvents, x),
           watch(keyEvents, injector),
-          poster(display, injector, postedKeys) {}
+          poster(x, injector, postedKeys) {}
 
     std::unique_ptr<EventTap> createEventTap(EventMask events, EventTap::Callback callback) override;
     std::unique_ptr<EventMonitor> addGlobalMonitor(EventMask events,
@@ -22,6 +23,7 @@ public:
     void post(const KeyEvent& event) override;
 
 private:
+    const XConnection& display;
     RunLoop& mainLoop;
     // A thread waits on it, so what is asked for on it takes longer.
     const XConnection keyEvents;

@@ -61,7 +61,7 @@ void DesktopLoginItem::registerItem() {
                                  + text::repaired(path));
     files::createPrivateDirectory(file.parent_path());
     files::writeAtomically(file, "[Desktop Entry]\nType=Application\nName=Lumarin\nExec=" + execValue(path)
-                                     + "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
+                                     + "\nIcon=lumarin\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
 }
 
 void DesktopLoginItem::unregisterItem() {

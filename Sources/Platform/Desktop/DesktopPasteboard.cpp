@@ -40,6 +40,8 @@ DesktopPasteboard::~DesktopPasteboard() {
 }
 
 Task<void> DesktopPasteboard::handOver(std::promise<void> done) {
+    if (!borrowed.forms.empty())
+        co_await owner.own(Tenancy::keeping, std::move(borrowed));
     co_await owner.handOver();
     done.set_value();
 }
@@ -58,6 +60,7 @@ Task<std::vector<PasteboardItem>> DesktopPasteboard::pasteboardItems() {
     std::vector<PasteboardItem> items;
     if (!wasEmpty)
         items.push_back(content.item());
+    borrowed = std::move(content);
     co_return items;
 }
 
@@ -77,6 +80,7 @@ Task<void> DesktopPasteboard::writeObjects(std::vector<PasteboardItem> items) {
     co_await effects.pasteDone();
     auto content = SelectionContent::of(std::move(items));
     co_await owner.own(Tenancy::keeping, std::move(content));
+    borrowed = {};
 }
 
 Task<void> DesktopPasteboard::setString(std::string text) {

@@ -10,8 +10,8 @@ namespace platform::desktop {
 
 // The clipboard of an X session, on a connection and a thread of its own. Reading behind a posted copy waits
 // for the copy, clearing behind a posted paste for the paste, each within a bound. Once the connection
-// breaks, all operations end at once with nothing. None may be under way when the pasteboard ends; what it
-// then holds for the user goes to the clipboard manager.
+// breaks, all operations end at once with nothing, and so they do when the pasteboard ends; what it then
+// holds for the user, or has not yet put back, goes to the clipboard manager.
 class DesktopPasteboard : public Pasteboard {
 public:
     // Throws DisplayError.
@@ -38,6 +38,8 @@ private:
     // Of the contents last read as a whole: whether there were none, and their text.
     bool wasEmpty = false;
     std::optional<std::string> lastText;
+    // The contents themselves, until they are put back.
+    SelectionContent borrowed;
 };
 
 } // namespace platform::desktop

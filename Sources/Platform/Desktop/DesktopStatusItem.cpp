@@ -1,5 +1,6 @@
 #include "Platform/Desktop/DesktopStatusItem.h"
 
+#include "Platform/Desktop/InputGrabs.h"
 #include "Platform/Desktop/PanelColor.h"
 #include "Platform/Desktop/SymbolDrawing.h"
 
@@ -16,6 +17,9 @@ DesktopStatusItem::DesktopStatusItem(const XConnection& display, const Bundle& d
     secondLook.setSingleShot(true);
     secondLook.setInterval(400ms);
     QObject::connect(&secondLook, &QTimer::timeout, [this] { draw(); });
+    nextTry.setSingleShot(true);
+    nextTry.setInterval(50ms);
+    QObject::connect(&nextTry, &QTimer::timeout, [this] { tryToOpen(); });
     appear();
 }
 
@@ -25,7 +29,9 @@ void DesktopStatusItem::setImage(const Symbol& shown) {
 }
 
 void DesktopStatusItem::performClick() {
-    openMenu(false);
+    using namespace std::chrono_literals;
+    patience.setRemainingTime(2s);
+    tryToOpen();
 }
 
 void DesktopStatusItem::appear() {
@@ -55,6 +61,16 @@ void DesktopStatusItem::draw() {
     icon->setToolTip(QString::fromStdString(symbol.accessibilityDescription));
 }
 
+void DesktopStatusItem::tryToOpen() {
+    if (menu.isVisible())
+        return;
+    // Without the keyboard and the mouse, nothing would close it.
+    if (isInputFree(x))
+        openMenu(false);
+    else if (!patience.hasExpired())
+        nextTry.start();
+}
+
 void DesktopStatusItem::openMenu(bool isClicked) {
     menu.popup(placeForMenu(isClicked));
 }
@@ -68,7 +84,7 @@ QPoint DesktopStatusItem::placeForMenu(bool isClicked) const {
             return place.bottomLeft() + QPoint(0, 1);
         return place.topLeft() - QPoint(0, menu.sizeHint().height());
     }
-    if (isClicked)
+    if (isClicked || !icon)
         return QCursor::pos();
     // The corner where panels have their icons.
     screen = QGuiApplication::primaryScreen();

@@ -7,6 +7,7 @@
 
 #include <memory>
 
+#include <QDeadlineTimer>
 #include <QSystemTrayIcon>
 
 namespace platform::desktop {
@@ -24,6 +25,7 @@ public:
 private:
     void appear();
     void draw();
+    void tryToOpen();
     void openMenu(bool isClicked);
     QPoint placeForMenu(bool isClicked) const;
 
@@ -34,6 +36,9 @@ private:
     TrayWatch tray;
     // Looks at the panel once it shows the icon.
     QTimer secondLook;
+    // Of a click that is nobody's, while others have the keyboard or the mouse.
+    QTimer nextTry;
+    QDeadlineTimer patience;
     // Made when there is a tray: it keeps to the kind of tray that it finds first.
     std::unique_ptr<QSystemTrayIcon> icon;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Desktop/Compositor.h"
+#include "Platform/Desktop/EventDrain.h"
 #include "Platform/Desktop/MeasuredTexts.h"
 #include "Platform/Desktop/Monitors.h"
 #include "Platform/Desktop/ShownWindow.h"
@@ -51,6 +52,7 @@ private:
     const RunLoop& clock;
     const Bundle& drawings;
     XConnection x;
+    const EventDrain drain{x};
     Compositor compositor;
     StackingWatch stacking;
     Backdrop backdrop = Backdrop::none;

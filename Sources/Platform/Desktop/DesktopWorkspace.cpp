@@ -12,20 +12,24 @@ std::uint64_t identifierOf(xcb_window_t window, std::optional<pid_t> process) {
 } // namespace
 
 std::optional<RunningApplication> DesktopWorkspace::frontmostApplication() {
-    auto window = activeWindow(x);
-    if (window == XCB_NONE)
+    postedKeys.aim(std::nullopt);
+    front = activeWindow(x);
+    if (front == XCB_NONE)
         return std::nullopt;
-    auto process = processOf(x, window);
-    return RunningApplication{identifierOf(window, process), nameOf(window, process)};
+    focus = focusedWindow(x);
+    auto process = processOf(x, front);
+    return RunningApplication{identifierOf(front, process), nameOf(front, process)};
 }
 
 void DesktopWorkspace::activate(const RunningApplication& application) {
     auto window = static_cast<xcb_window_t>(application.identifier);
-    bool exists = x.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(x, window)) != nullptr;
-    if (!exists || identifierOf(window, processOf(x, window)) != application.identifier
-        || activeWindow(x) == window)
-        return;
-    bringToFront(x, window);
+    const bool isThere =
+        x.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(x, window)) != nullptr
+        && identifierOf(window, processOf(x, window)) == application.identifier;
+    // What is meant for an application that has ended is for nobody.
+    postedKeys.aim(isThere ? window : xcb_window_t{XCB_NONE});
+    if (isThere && activeWindow(x) != window)
+        bringToFront(x, window, window == front ? focus : std::nullopt);
 }
 
 std::optional<std::string> DesktopWorkspace::nameOf(xcb_window_t window, std::optional<pid_t> process) {

@@ -2,15 +2,17 @@
 
 #include "Platform/Desktop/ApplicationNames.h"
 #include "Platform/Desktop/FileReveal.h"
+#include "Platform/Desktop/PostedKeys.h"
 #include "Platform/Input/Workspace.h"
 
 namespace platform::desktop {
 
-// The applications of an X11 session, each told by a window of its.
+// The applications of an X11 session, each told by a window of its. Combinations that are typed after one was
+// activated are for that one alone, until it is asked again which is in front.
 class DesktopWorkspace : public Workspace {
 public:
-    DesktopWorkspace(const XConnection& display, ApplicationNames applicationNames)
-        : x(display), names(std::move(applicationNames)) {}
+    DesktopWorkspace(const XConnection& display, ApplicationNames applicationNames, PostedKeys& keys)
+        : x(display), names(std::move(applicationNames)), postedKeys(keys) {}
 
     // Names are known soon after this.
     void readNames() { names.read(); }
@@ -24,6 +26,10 @@ private:
 
     const XConnection& x;
     ApplicationNames names;
+    PostedKeys& postedKeys;
+    // The window last seen in front, and the one in it that had the keyboard.
+    xcb_window_t front = XCB_NONE;
+    std::optional<xcb_window_t> focus;
 };
 
 } // namespace platform::desktop

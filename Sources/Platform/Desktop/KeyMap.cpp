@@ -1,5 +1,6 @@
 #include "Platform/Desktop/KeyMap.h"
 
+#include "Platform/Foundation/Release.h"
 #include "Platform/Input/KeyEvent.h"
 
 #include <algorithm>
@@ -44,14 +45,6 @@ constexpr auto modifierSymbols = std::to_array<xkb_keysym_t>({
     XKB_KEY_Mode_switch,
 });
 
-struct ReleaseContext {
-    void operator()(xkb_context* context) const noexcept { xkb_context_unref(context); }
-};
-
-struct ReleaseState {
-    void operator()(xkb_state* state) const noexcept { xkb_state_unref(state); }
-};
-
 // What the key types in a group with no modifier held.
 xkb_keysym_t plainSymbol(xkb_keymap* map, xkb_keycode_t code, xkb_layout_index_t group) {
     const xkb_keysym_t* symbols = nullptr;
@@ -66,7 +59,8 @@ void KeyMap::Release::operator()(xkb_keymap* owned) const noexcept {
 }
 
 std::shared_ptr<const KeyMap> KeyMap::read(const XConnection& x) {
-    std::unique_ptr<xkb_context, ReleaseContext> context(xkb_context_new(XKB_CONTEXT_NO_DEFAULT_INCLUDES));
+    const std::unique_ptr<xkb_context, platform::Release<xkb_context_unref>> context(
+        xkb_context_new(XKB_CONTEXT_NO_DEFAULT_INCLUDES));
     if (!xkb_x11_setup_xkb_extension(x, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
                                      XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, nullptr,
                                      nullptr))
@@ -100,7 +94,8 @@ KeyMap::KeyMap(xkb_keymap* read, const XConnection& connection, std::int32_t key
 }
 
 std::uint32_t KeyMap::currentGroup() const {
-    std::unique_ptr<xkb_state, ReleaseState> state(xkb_x11_state_new_from_device(map.get(), x, device));
+    std::unique_ptr<xkb_state, platform::Release<xkb_state_unref>> state(
+        xkb_x11_state_new_from_device(map.get(), x, device));
     return state ? xkb_state_serialize_layout(state.get(), XKB_STATE_LAYOUT_EFFECTIVE) : 0;
 }
 

@@ -1,8 +1,16 @@
 #include "Platform/Desktop/KeyPoster.h"
 
+#include <thread>
+
 namespace platform::desktop {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+// A window manager that is busy takes its time to bring a window to the front.
+constexpr auto activationLimit = 1s;
+constexpr auto lookAgainAfter = 5ms;
 
 ClipboardEffect effectOf(const KeyEvent& event) {
     if (event.flags != flag::command)
@@ -17,15 +25,30 @@ ClipboardEffect effectOf(const KeyEvent& event) {
 void KeyPoster::post(const KeyEvent& event, const KeyMap& map) {
     if (event.type != EventType::keyDown)
         return;
-    auto window = activeWindow(x);
-    auto terminal = terminalKeysOf(window);
+    auto window = receivingWindow();
+    if (!window)
+        return;
+    auto terminal = terminalKeysOf(*window);
     auto chord = terminal ? chordInTerminal(*terminal, event, map) : chordFor(event, map);
     if (!chord)
         return;
     // First: the application may answer before the call below returns.
-    postedKeys.record(effectOf(event), window);
+    postedKeys.record(effectOf(event), *window);
     injector.type(chord->key, chord->modifiers, map);
     postedKeys.reportTyped();
+}
+
+// Another window's text would be overwritten.
+std::optional<xcb_window_t> KeyPoster::receivingWindow() const {
+    const auto target = postedKeys.target();
+    auto window = activeWindow(x);
+    while (target && window != target->window) {
+        if (std::chrono::steady_clock::now() >= target->time + activationLimit)
+            return std::nullopt;
+        std::this_thread::sleep_for(lookAgainAfter);
+        window = activeWindow(x);
+    }
+    return window;
 }
 
 std::optional<TerminalKeys> KeyPoster::terminalKeysOf(xcb_window_t window) {

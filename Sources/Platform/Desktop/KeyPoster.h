@@ -15,7 +15,8 @@ public:
         : x(display), injector(keyInjector), postedKeys(record) {}
 
     // A combination is typed as a whole with its key-down event, so that it is never left half-way; the
-    // key-up event adds nothing. What could interrupt a terminal's program is skipped.
+    // key-up event adds nothing. What could interrupt a terminal's program is skipped, and what is meant for
+    // a window that doesn't get the keyboard soon.
     void post(const KeyEvent& event, const KeyMap& map);
 
 private:
@@ -31,6 +32,7 @@ private:
         std::optional<TerminalKeys> terminal;
     };
 
+    std::optional<xcb_window_t> receivingWindow() const;
     std::optional<TerminalKeys> terminalKeysOf(xcb_window_t window);
     std::vector<std::string> namesOf(xcb_window_t window, const WindowClass& windowClass) const;
     std::optional<Chord> chordFor(const KeyEvent& event, const KeyMap& map) const;

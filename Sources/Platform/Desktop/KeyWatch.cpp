@@ -14,6 +14,9 @@ using namespace std::chrono_literals;
 constexpr KeyEvent functionDown{EventType::flagsChanged, key::function, flag::secondaryFn};
 constexpr KeyEvent functionUp{EventType::flagsChanged, key::function, 0};
 
+// What the watch's thread is sent to end it.
+constexpr xcb_atom_t endMessage = XCB_ATOM_INTEGER;
+
 } // namespace
 
 bool KeyWatch::isPossible(const XConnection& x) {
@@ -42,7 +45,7 @@ KeyWatch::~KeyWatch() {
         end.response_type = XCB_CLIENT_MESSAGE;
         end.format = 32;
         end.window = mailbox;
-        end.type = XCB_ATOM_INTEGER;
+        end.type = endMessage;
         std::array<char, 32> message{};
         std::copy_n(reinterpret_cast<const char*>(&end), sizeof end, message.data());
         xcb_send_event(x, 0, mailbox, XCB_EVENT_MASK_NO_EVENT, message.data());
@@ -92,10 +95,16 @@ void KeyWatch::run() {
         XOwned<xcb_generic_event_t> event(xcb_wait_for_event(x));
         if (!event)
             endForLostDisplay();
-        if ((event->response_type & 0x7FU) == XCB_CLIENT_MESSAGE)
+        if (isEnd(*event))
             return;
         handle(*event);
     }
+}
+
+bool KeyWatch::isEnd(const xcb_generic_event_t& event) const {
+    const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
+    return (event.response_type & 0x7FU) == XCB_CLIENT_MESSAGE && message.window == mailbox
+           && message.type == endMessage;
 }
 
 void KeyWatch::handle(const xcb_generic_event_t& event) {

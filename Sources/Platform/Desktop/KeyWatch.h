@@ -46,6 +46,7 @@ private:
     };
 
     void run();
+    bool isEnd(const xcb_generic_event_t& event) const;
     void handle(const xcb_generic_event_t& event);
     void handleGrabbedPress(KeyCode code, std::uint32_t sequence);
     void handleGrabbedRelease(KeyCode code, std::uint32_t sequence);

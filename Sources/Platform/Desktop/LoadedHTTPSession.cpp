@@ -26,8 +26,7 @@ void* library() {
 SessionMaker* sessionMaker() {
     auto* const found = library() ? dlsym(library(), sessionMakerName) : nullptr;
     if (!found)
-        throw HTTPError(std::string("Lumarin is not installed completely: ") + networkLibraryFile
-                        + " cannot be loaded.");
+        throw HTTPError("Lumarin is not installed completely: %@ cannot be loaded.", networkLibraryFile);
     return reinterpret_cast<SessionMaker*>(found);
 }
 

@@ -42,7 +42,7 @@ double scaleAt(const QPoint& corner) {
 std::vector<Monitor> monitorsOf(const XConnection& x) {
     std::vector<Monitor> monitors;
     const auto all = outlines(x);
-    const UsableArea area(x, all.size() > 1);
+    const UsableArea area(x, all);
     for (const auto& pixels : all) {
         const double scale = scaleAt(pixels.topLeft());
         const double height = pixels.height() / scale;

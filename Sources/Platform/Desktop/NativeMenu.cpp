@@ -79,22 +79,24 @@ void NativeMenu::fill(QAction& native, const MenuItem& item) {
         native.setMenu(submenu);
         return;
     }
-    connect(&native, &QAction::triggered, this, [this, &native, &item] {
-        // The mark is the program's to change.
-        native.setChecked(item.isChecked);
-        choose(item);
-    });
+    // Its menu may have been changed for another one by then.
+    connect(&native, &QAction::triggered, this,
+            [this, &native, kept = std::shared_ptr<const MenuItem>(shown, &item)] {
+                // The mark is the program's to change.
+                native.setChecked(kept->isChecked);
+                choose(kept);
+            });
 }
 
-void NativeMenu::choose(const MenuItem& item) {
+void NativeMenu::choose(const std::shared_ptr<const MenuItem>& item) {
     // Later: what it does may take its time, in an event loop of its own, and change this menu.
     QMetaObject::invokeMethod(
         this,
-        [this, &item, menu = shown] {
-            if (item.action)
-                item.action(item);
+        [this, item] {
+            if (item->action)
+                item->action(*item);
             else
-                perform(item.command);
+                perform(item->command);
         },
         Qt::QueuedConnection);
 }

@@ -25,7 +25,7 @@ private:
     void carryOut();
     void fill(QMenu& native, const Menu& menu);
     void fill(QAction& native, const MenuItem& item);
-    void choose(const MenuItem& item);
+    void choose(const std::shared_ptr<const MenuItem>& item);
 
     const Command perform;
     std::shared_ptr<const Menu> shown;

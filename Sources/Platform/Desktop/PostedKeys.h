@@ -19,8 +19,14 @@ struct PostedKey {
     std::chrono::steady_clock::time_point time;
 };
 
-// The last combination typed, kept by the keyboard for the pasteboard, which waits for its effect. Any
-// thread.
+// The only window that combinations may go to, and since when.
+struct KeyTarget {
+    std::uint32_t window = 0;
+    std::chrono::steady_clock::time_point time;
+};
+
+// The last combination typed, kept by the keyboard for the pasteboard, which waits for its effect; and where
+// the next ones may go, told by the workspace. Any thread.
 class PostedKeys {
 public:
     // Before it is typed.
@@ -48,9 +54,23 @@ public:
         return last;
     }
 
+    // For combinations to come; none: whichever window has the keyboard.
+    void aim(std::optional<std::uint32_t> window) {
+        std::lock_guard lock(mutex);
+        only.reset();
+        if (window)
+            only = KeyTarget{*window, std::chrono::steady_clock::now()};
+    }
+
+    std::optional<KeyTarget> target() const {
+        std::lock_guard lock(mutex);
+        return only;
+    }
+
 private:
     mutable std::mutex mutex;
     std::optional<PostedKey> last;
+    std::optional<KeyTarget> only;
     std::function<void()> observer;
 };
 

@@ -1,5 +1,6 @@
 #include "Platform/Desktop/TitledWindow.h"
 
+#include "Platform/Desktop/ApplicationIcon.h"
 #include "Platform/Desktop/ColorOf.h"
 #include "Platform/Desktop/LayerChanges.h"
 
@@ -35,6 +36,7 @@ QPoint placeOn(const Monitor& monitor, const Rect& frame) {
 TitledWindow::TitledWindow(Window& window, const RunLoop& clock, const Bundle& bundle, const Monitor* monitor)
     : QDialog(nullptr, flagsFor(window.styleMask)), model(window), time(clock), controls(*this, bundle) {
     setWindowTitle(QString::fromStdString(window.title));
+    setWindowIcon(applicationIcon(bundle));
     const auto frame = window.frame();
     setFixedSize(QSizeF(frame.width, frame.height).toSize());
     if (monitor)

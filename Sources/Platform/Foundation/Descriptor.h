@@ -3,22 +3,25 @@
 #include <cerrno>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 
 namespace platform::files {
 
-// An open file by its number, closed at the end of its life.
+// An open file by its number, closed at the end of its life; negative when there is none.
 class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (isOpen())
-            ::close(number_);
-    }
+    Descriptor(Descriptor&& other) noexcept : number_(other.release()) {}
+    Descriptor& operator=(Descriptor&&) = delete;
+    ~Descriptor() { close(); }
 
     bool isOpen() const { return number_ >= 0; }
     int number() const { return number_; }
+    int release() { return std::exchange(number_, -1); }
+    void close() {
+        if (isOpen())
+            ::close(release());
+    }
 
 private:
     int number_;

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Platform/Foundation/Channel.h"
+#include "Platform/Foundation/HTTPError.h"
 #include "Platform/Foundation/LineSplitter.h"
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <variant>
@@ -31,11 +31,6 @@ struct HTTPSessionConfiguration {
 // The head of an answer. An answer that is no HTTP has no status.
 struct HTTPResponse {
     std::optional<int> status;
-};
-
-// A transfer that failed; says why in a sentence a person can read.
-class HTTPError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
 };
 
 // What arrives of an answer: its head, then the pieces of its body.

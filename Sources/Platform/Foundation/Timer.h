@@ -6,11 +6,13 @@
 
 namespace platform {
 
-// Repeats an action until it is dropped. To be made and dropped on its executor's thread.
+class RunLoop;
+
+// Repeats an action until it is dropped. To be made and dropped on its run loop's thread.
 class [[nodiscard]] Timer {
 public:
     Timer() = default;
-    Timer(Executor& executor, Duration interval, std::function<void()> action);
+    Timer(RunLoop& runLoop, Duration interval, std::function<void()> action);
 
 private:
     struct Repetition;

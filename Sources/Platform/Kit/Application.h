@@ -14,6 +14,9 @@ public:
 
     virtual void applicationDidFinishLaunching() = 0;
 
+    // It was started once more while it has no window open; possibly before it has finished launching.
+    virtual void applicationDidReopen() = 0;
+
     // The program's icon in the status bar, null before there is one. Owned by the delegate.
     virtual StatusItem* statusItem() = 0;
 };
@@ -27,7 +30,8 @@ public:
     ActivationPolicy activationPolicy = ActivationPolicy::regular;
     // Not owned.
     std::weak_ptr<ApplicationDelegate> delegate;
-    // Never shown by an accessory application; its key equivalents work in the program's windows.
+    // Never shown by an accessory application. Its key equivalents are for windows in which text can be
+    // edited or copied; a host whose windows bring these keys along needs it for nothing else.
     std::shared_ptr<Menu> mainMenu;
     // The folder of the bundle's texts that are in use, "en"; the host's own texts go by it. Empty for those
     // of the system's language.

@@ -35,7 +35,7 @@ bool isLoopbackHost(const std::string& host) {
 CurlAddress::CurlAddress(const std::string& text, PlainHTTP allowed) {
     const Parser parser(curl_url(), &curl_url_cleanup);
     if (curl_url_set(parser.get(), CURLUPART_URL, text.c_str(), 0) != CURLUE_OK)
-        throw HTTPError("“" + text + "” is not a web address.");
+        throw HTTPError("“%@” is not a web address.", text);
     url = part(parser, CURLUPART_URL);
     host = part(parser, CURLUPART_HOST);
     isLoopback = isLoopbackHost(host);
@@ -43,10 +43,11 @@ CurlAddress::CurlAddress(const std::string& text, PlainHTTP allowed) {
     const std::string scheme = part(parser, CURLUPART_SCHEME);
     isSecure = scheme == "https";
     if (!isSecure && scheme != "http")
-        throw HTTPError("“" + text + "” is not a web address.");
+        throw HTTPError("“%@” is not a web address.", text);
     if (!isSecure && !isLoopback && allowed == PlainHTTP::onLoopback)
-        throw HTTPError("The connection to " + host
-                        + " would not be secure: plain HTTP is only allowed to this " + "computer itself.");
+        throw HTTPError(
+            "The connection to %@ would not be secure: plain HTTP is only allowed to this computer itself.",
+            host);
 }
 
 } // namespace platform

@@ -67,7 +67,7 @@ void CurlLoop::run() {
     }
     for (const auto& transfer : transfers) {
         curl_multi_remove_handle(multi.get(), transfer->handle());
-        transfer->fail("The request was ended with its session.");
+        transfer->fail(HTTPError("The request was ended with its session."));
     }
     transfers.clear();
     std::lock_guard lock(mutex);

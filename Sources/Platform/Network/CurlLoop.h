@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Network/CurlHandles.h"
 #include "Platform/Network/CurlTransfer.h"
 
 #include <mutex>
@@ -23,10 +24,6 @@ public:
     void stop();
 
 private:
-    struct Free {
-        void operator()(CURLM* handle) const { curl_multi_cleanup(handle); }
-    };
-
     void run();
     bool takeArrivals();
     void endOverdue();
@@ -38,7 +35,7 @@ private:
     bool isStopping = false;
 
     // Replaced on the thread under the mutex, so that nobody wakes a handle that is gone.
-    std::unique_ptr<CURLM, Free> multi;
+    CurlMulti multi;
     std::vector<std::unique_ptr<CurlTransfer>> transfers;
     std::thread thread;
 };

@@ -46,11 +46,11 @@ void CurlTransfer::finish(CURLcode result) {
     if (result == CURLE_OK)
         events->finish();
     else
-        fail(curlErrorSentence(result, easy.get(), address.host, detail.data()));
+        fail(curlError(result, easy.get(), address.host, detail.data()));
 }
 
-void CurlTransfer::fail(const std::string& sentence) {
-    events->finish(std::make_exception_ptr(HTTPError(sentence)));
+void CurlTransfer::fail(const HTTPError& error) {
+    events->finish(std::make_exception_ptr(error));
 }
 
 template <typename Value>

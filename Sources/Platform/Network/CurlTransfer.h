@@ -2,9 +2,8 @@
 
 #include "Platform/Foundation/HTTPSession.h"
 #include "Platform/Network/CurlAddress.h"
+#include "Platform/Network/CurlHandles.h"
 #include "Platform/Network/TrustedCertificates.h"
-
-#include <curl/curl.h>
 
 #include <array>
 #include <stop_token>
@@ -34,14 +33,9 @@ public:
 
     // The last report, made once: how the transfer ended.
     void finish(CURLcode result);
-    void fail(const std::string& sentence);
+    void fail(const HTTPError& error);
 
 private:
-    struct Free {
-        void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-    };
-
     template <typename Value>
     void set(CURLoption option, Value value);
     void setRequest();
@@ -68,8 +62,8 @@ private:
     bool headIsReported = false;
     std::size_t received = 0;
     std::array<char, CURL_ERROR_SIZE> detail{};
-    std::unique_ptr<curl_slist, Free> headers;
-    std::unique_ptr<CURL, Free> easy;
+    CurlList headers;
+    CurlEasy easy;
 };
 
 } // namespace platform

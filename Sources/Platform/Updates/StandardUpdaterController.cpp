@@ -50,20 +50,20 @@ private:
             source.emplace(UpdateSource::current());
             session = Host::current().makeHTTPSession({});
             const auto progress = showProgress(self, "updates.checking", {}, patience);
-            auto newest = co_await findUpdate(*source, session, texts("updates.language"));
+            auto newest = co_await findUpdate(*source, session, texts.text("updates.language"));
             co_await checkCancellation();
             item = std::move(newest);
         } catch (const CancellationError&) {
             throw;
         } catch (const NoUpdate& none) {
             alert = {Alert::Style::informational,
-                     texts(none.key + ".title"),
+                     texts.text(none.key + ".title"),
                      sentence(none.key + ".body", none),
-                     {texts("updates.close")}};
+                     {texts.text("updates.close")}};
         } catch (const UpdateError& error) {
             alert = failure("updates.error.check", sentence(error.key, error));
         } catch (const std::exception& error) {
-            alert = failure("updates.error.check", filled("updates.error.feed", error.what()));
+            alert = failure("updates.error.check", filled("updates.error.feed", texts.description(error)));
         }
         if (auto told = delegate.lock()) {
             if (item)
@@ -81,10 +81,10 @@ private:
         alert.messageText = filled("updates.found.title", item.displayVersionString);
         alert.informativeText = filled("updates.found.body", source->displayVersion);
         if (!item.releaseNotes.empty())
-            alert.informativeText += "\n\n" + texts("updates.found.notes") + "\n" + item.releaseNotes;
+            alert.informativeText += "\n\n" + texts.text("updates.found.notes") + "\n" + item.releaseNotes;
         else if (!item.releaseNotesURL.empty())
-            alert.informativeText += "\n\n" + texts("updates.found.notes") + "\n" + item.releaseNotesURL;
-        alert.buttons = {texts("updates.found.download"), texts("updates.found.later")};
+            alert.informativeText += "\n\n" + texts.text("updates.found.notes") + "\n" + item.releaseNotesURL;
+        alert.buttons = {texts.text("updates.found.download"), texts.text("updates.found.later")};
         return show(alert) == 0;
     }
 
@@ -104,9 +104,10 @@ private:
         } catch (const UpdateError& error) {
             alert = failure("updates.error.download", sentence(error.key, error));
         } catch (const std::system_error& error) {
-            alert = failure("updates.error.download", filled("updates.error.file", error.what()));
+            alert = failure("updates.error.download", filled("updates.error.file", texts.description(error)));
         } catch (const std::exception& error) {
-            alert = failure("updates.error.download", filled("updates.error.package", error.what()));
+            alert =
+                failure("updates.error.download", filled("updates.error.package", texts.description(error)));
         }
         if (alert)
             show(*alert);
@@ -125,7 +126,7 @@ private:
     UpdateProgress showProgress(const std::shared_ptr<Check>& self, const std::string& key,
                                 const std::string& argument, Duration delay) {
         return UpdateProgress(
-            {Alert::Style::informational, filled(key, argument), {}, {texts("updates.cancel")}}, delay,
+            {Alert::Style::informational, filled(key, argument), {}, {texts.text("updates.cancel")}}, delay,
             [weak = std::weak_ptr(self)] {
                 if (auto check = weak.lock())
                     check->task->cancel();
@@ -133,7 +134,7 @@ private:
     }
 
     Alert failure(const std::string& titleKey, const std::string& reason) const {
-        return {Alert::Style::warning, texts(titleKey), reason, {texts("updates.close")}};
+        return {Alert::Style::warning, texts.text(titleKey), reason, {texts.text("updates.close")}};
     }
 
     static std::size_t show(const Alert& alert) {
@@ -142,11 +143,11 @@ private:
     }
 
     std::string filled(const std::string& key, std::string_view argument) const {
-        return text::format(texts(key), {argument});
+        return text::format(texts.text(key), {argument});
     }
 
     std::string sentence(const std::string& key, const UpdateError& error) const {
-        return text::format(texts(key), {error.argument});
+        return text::format(texts.text(key), {error.argument});
     }
 
     const std::weak_ptr<UpdaterDelegate> delegate;

@@ -12,8 +12,13 @@ namespace platform {
 // thread; dropping it ends what is under way.
 class StandardUpdaterController {
 public:
-    // The text of a key of the table "Updates", in the language of the interface.
-    using Texts = std::function<std::string(const std::string& key)>;
+    // In the language of the interface.
+    struct Texts {
+        // That of a key of the table "Updates".
+        std::function<std::string(const std::string& key)> text;
+        // What a person is told of an error.
+        std::function<std::string(const std::exception& error)> description;
+    };
 
     StandardUpdaterController(std::weak_ptr<UpdaterDelegate> updaterDelegate, Texts localized);
     ~StandardUpdaterController();

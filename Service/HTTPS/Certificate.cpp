@@ -1,0 +1,166 @@
+#include "Service/HTTPS/Certificate.h"
+
+#include "Platform/Foundation/FileManager.h"
+#include "Service/HTTPS/SelfSigned.h"
+#include "Service/Support/Handles.h"
+#include "Service/Support/PrivateFile.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <openssl/pem.h>
+#include <stdexcept>
+#include <string>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <thread>
+
+namespace lumarin::service {
+namespace {
+
+using namespace std::chrono_literals;
+
+namespace files = platform::files;
+using Clock = std::chrono::system_clock;
+
+// Long enough to tell those who trust it of the new one.
+constexpr std::chrono::days renewal{30};
+
+// Empty when there is no such file.
+std::string contents(const std::filesystem::path& path) {
+    auto result = files::read(path);
+    if (result.status == files::ReadStatus::unreadable)
+        throw std::runtime_error("Cannot read " + path.string() + ".");
+    return result.bytes;
+}
+
+Bio reading(const std::string& text) {
+    return Bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
+}
+
+X509Certificate parseCertificate(const std::string& text) {
+    return X509Certificate(PEM_read_bio_X509(reading(text).get(), nullptr, nullptr, nullptr));
+}
+
+PrivateKey parseKey(const std::string& text) {
+    // Keeps the library from asking for a passphrase at the terminal.
+    static char none[] = "";
+    return PrivateKey(PEM_read_bio_PrivateKey(reading(text).get(), nullptr, nullptr, none));
+}
+
+bool endsBefore(const X509& certificate, Clock::time_point moment) {
+    std::time_t time = Clock::to_time_t(moment);
+    return X509_cmp_time(X509_get0_notAfter(&certificate), &time) <= 0;
+}
+
+// What stands in the two files.
+struct Found {
+    explicit Found(const CertificateFiles& pair)
+        : certificateText(contents(pair.certificate)),
+          keyText(contents(pair.key)),
+          certificate(parseCertificate(certificateText)),
+          key(parseKey(keyText)) {}
+
+    bool isMissing() const { return certificateText.empty() && keyText.empty(); }
+    bool isOurs() const { return certificate && isSelfSigned(*certificate); }
+    bool isPair() const {
+        return certificate && key && X509_check_private_key(certificate.get(), key.get()) == 1;
+    }
+    bool lasts(Clock::time_point now) const {
+        return !endsBefore(*certificate, isOurs() ? now + renewal : now);
+    }
+
+    const std::string certificateText;
+    const std::string keyText;
+    const X509Certificate certificate;
+    const PrivateKey key;
+};
+
+// Held while a pair is made, so that copies of the service that start together agree on one.
+class FolderLock {
+public:
+    FolderLock(const std::filesystem::path& folder, std::chrono::milliseconds patience)
+        : directory(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        if (!directory.isOpen())
+            throw std::system_error(errno, std::generic_category(),
+                                    "Cannot open the folder " + folder.string());
+        const auto end = std::chrono::steady_clock::now() + patience;
+        while (::flock(directory.number(), LOCK_EX | LOCK_NB) != 0) {
+            if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= end)
+                throw std::runtime_error("Another program keeps the folder " + folder.string()
+                                         + " locked, where a certificate is to be made.");
+            std::this_thread::sleep_for(20ms);
+        }
+    }
+
+private:
+    const Descriptor directory;
+};
+
+[[noreturn]] void refuseForeign(const Found& found, const CertificateFiles& pair) {
+    throw std::runtime_error(found.isPair()
+                                 ? "The certificate in " + pair.certificate.string() + " has expired."
+                                 : "There is no certificate with its key in " + pair.certificate.string()
+                                       + " and " + pair.key.string() + ".");
+}
+
+void writePair(const CertificateFiles& pair, const std::vector<std::string>& names, Clock::time_point now) {
+    // The certificate first: a key alone could be anyone's, and would not be written over.
+    const auto fresh = makeSelfSigned(now, names);
+    files::writeAtomically(pair.certificate, fresh.certificate);
+    files::writeAtomically(pair.key, fresh.key);
+}
+
+// A key made here is made private again; others are their owners' to see to.
+void keepPrivate(const Found& found, const CertificateFiles& pair) {
+    if (found.isOurs() && !exposure(pair.key).empty())
+        ::chmod(pair.key.c_str(), S_IRUSR | S_IWUSR);
+    if (const std::string exposed = exposure(pair.key); !exposed.empty())
+        throw std::runtime_error("The certificate's key is in " + pair.key.string() + ", " + exposed);
+}
+
+} // namespace
+
+std::filesystem::path keyOf(std::filesystem::path certificate) {
+    return certificate.replace_extension(".key");
+}
+
+CertificateFiles ensureCertificate(const std::filesystem::path& path, const std::vector<std::string>& names,
+                                   Clock::time_point now) {
+    CertificateFiles pair{.certificate = std::filesystem::absolute(path), .key = {}};
+    pair.key = keyOf(pair.certificate);
+    if (pair.key == pair.certificate)
+        throw std::runtime_error("The certificate cannot stand in " + path.string()
+                                 + ": that is the name for its key.");
+    const auto folder = pair.certificate.parent_path();
+    files::createPrivateDirectory(folder);
+    const auto isGood = [&](const Found& found) {
+        return found.isPair() && found.lasts(now) && (!found.isOurs() || isFor(*found.certificate, names));
+    };
+    if (!isGood(Found(pair))) {
+        const FolderLock lock(folder, 5s);
+        if (const Found found(pair); !isGood(found)) {
+            if (!found.isMissing() && !found.isOurs())
+                refuseForeign(found, pair);
+            writePair(pair, names, now);
+        }
+    }
+    keepPrivate(Found(pair), pair);
+    return pair;
+}
+
+void renewCertificate(const CertificateFiles& pair, const std::vector<std::string>& names,
+                      Clock::time_point now) {
+    const Found found(pair);
+    if (found.isPair() && found.lasts(now)) {
+        keepPrivate(found, pair);
+        return;
+    }
+    if (!found.isPair() || !found.isOurs())
+        refuseForeign(found, pair);
+    const FolderLock lock(pair.certificate.parent_path(), 0s);
+    if (const Found again(pair); again.isPair() && again.isOurs() && !again.lasts(now))
+        writePair(pair, names, now);
+}
+
+} // namespace lumarin::service

@@ -1,0 +1,205 @@
+#include "Service/Upstream/UpstreamTransfer.h"
+
+#include "Platform/Network/CurlErrors.h"
+#include "Service/Upstream/UpstreamRefusals.h"
+
+#include <algorithm>
+#include <climits>
+
+namespace lumarin::service {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr long ok = 200;
+constexpr auto connectTime = 5s;
+constexpr std::size_t longestAnswer = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t enoughOfARefusal = std::size_t{64} * 1024;
+// So much time for the end of an answer that is complete saves the connection for the next one.
+constexpr auto graceForTheEnd = 20ms;
+
+} // namespace
+
+UpstreamTransfer::UpstreamTransfer(const UpstreamConfiguration& configuration, UpstreamConnections& pool,
+                                   std::string json, const Waiting& waiting)
+    : settings(configuration),
+      connections(pool),
+      deadline(waiting.deadline),
+      client(waiting),
+      body(std::move(json)),
+      address(configuration.url + "/chat/completions", platform::CurlAddress::PlainHTTP::everywhere),
+      easy(curl_easy_init()),
+      multi(pool.take()) {
+    if (!easy)
+        throw std::bad_alloc();
+    setUp();
+    curl_multi_add_handle(multi.get(), easy.get());
+}
+
+UpstreamTransfer::~UpstreamTransfer() {
+    if (stream.isComplete())
+        letEnd();
+    curl_multi_remove_handle(multi.get(), easy.get());
+    easy.reset();
+    connections.giveBack(std::move(multi));
+}
+
+Progress UpstreamTransfer::next(Clock::time_point moment) {
+    while (true) {
+        if (auto piece = stream.next())
+            return {Progress::Kind::piece, std::move(*piece)};
+        if (stream.isComplete())
+            return {};
+        checkAnswer();
+        const auto now = Clock::now();
+        // A client that takes its time keeps this thread from the bytes that have been there all along.
+        if (const auto last = lastByte; now >= last + settings.silence && !result) {
+            perform();
+            if (result || lastByte != last)
+                continue;
+        }
+        checkTime(now);
+        if (now >= moment)
+            return {Progress::Kind::nothingYet};
+        if (!result)
+            wait(moment);
+    }
+}
+
+template <typename Value>
+void UpstreamTransfer::set(CURLoption option, Value value) {
+    if (const CURLcode code = curl_easy_setopt(easy.get(), option, value); code != CURLE_OK)
+        throw std::runtime_error(curl_easy_strerror(code));
+}
+
+void UpstreamTransfer::addHeader(const std::string& line) {
+    curl_slist* longer = curl_slist_append(headers.get(), line.c_str());
+    if (!longer)
+        throw std::bad_alloc();
+    static_cast<void>(headers.release());
+    headers.reset(longer);
+}
+
+void UpstreamTransfer::setUp() {
+    set(CURLOPT_URL, address.url.c_str());
+    set(CURLOPT_POST, 1L);
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+    set(CURLOPT_POSTFIELDS, body.c_str());
+    addHeader("Content-Type: application/json");
+    addHeader("Accept: text/event-stream");
+    addHeader("Expect:"); // Without this a long body would wait for the server's leave.
+    if (!settings.key.empty())
+        addHeader("Authorization: Bearer " + settings.key);
+    set(CURLOPT_HTTPHEADER, headers.get());
+    set(CURLOPT_USERAGENT, "lumarin-service");
+
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_QUICK_EXIT, 1L);
+    set(CURLOPT_TCP_NODELAY, 1L);
+    // One translation a connection, so that to give it up is to close it.
+    set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    const auto toConnect = std::min<std::chrono::milliseconds>(connectTime, settings.silence);
+    set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(toConnect.count()));
+    set(CURLOPT_PROTOCOLS_STR, "https,http");
+    if (address.isLoopback)
+        set(CURLOPT_PROXY, "");
+    set(CURLOPT_SSL_VERIFYPEER, 1L);
+    set(CURLOPT_SSL_VERIFYHOST, 2L);
+    if (settings.authorities) {
+        // A cached store would take the place of the one that the certificates are added to.
+        set(CURLOPT_CA_CACHE_TIMEOUT, 0L);
+        set(CURLOPT_SSL_CTX_DATA, settings.authorities.get());
+        set(CURLOPT_SSL_CTX_FUNCTION, &onTLSContext);
+    }
+    set(CURLOPT_ERRORBUFFER, detail.data());
+    set(CURLOPT_HEADERDATA, this);
+    set(CURLOPT_HEADERFUNCTION, &onHeader);
+    set(CURLOPT_WRITEDATA, this);
+    set(CURLOPT_WRITEFUNCTION, &onBody);
+}
+
+void UpstreamTransfer::perform() {
+    int running = 0;
+    curl_multi_perform(multi.get(), &running);
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(multi.get(), &left))
+        result = message->data.result;
+    if (result == CURLE_OK && status() == ok)
+        stream.finish();
+}
+
+// Waits for bytes of the upstream and sees to them; at the same time for the client to go away.
+void UpstreamTransfer::wait(Clock::time_point moment) {
+    const auto until = std::min({moment, deadline, lastByte + settings.silence});
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
+    curl_waitfd gone{client.descriptor(), CURL_WAIT_POLLIN, 0};
+    curl_multi_poll(multi.get(), &gone, 1, static_cast<int>(std::clamp<std::int64_t>(left, 0, INT_MAX)),
+                    nullptr);
+    if (gone.revents != 0)
+        throw Abandoned("The client has gone away.");
+    perform();
+}
+
+void UpstreamTransfer::checkTime(Clock::time_point now) const {
+    if (now >= lastByte + settings.silence)
+        throw silentUpstream(settings.silence);
+    if (now >= deadline)
+        throw slowUpstream();
+}
+
+// What the upstream has answered instead of a translation.
+void UpstreamTransfer::checkAnswer() {
+    if (!result)
+        return;
+    if (const long answered = status(); answered != 0 && answered != ok) {
+        curl_off_t retryAfter = 0;
+        curl_easy_getinfo(easy.get(), CURLINFO_RETRY_AFTER, &retryAfter);
+        throw refusedByUpstream(static_cast<int>(answered), settings.model, refusal,
+                                std::chrono::seconds(retryAfter));
+    }
+    if (*result != CURLE_OK)
+        throw failedTransfer(*result,
+                             platform::curlError(*result, easy.get(), address.host, detail.data()).what());
+}
+
+void UpstreamTransfer::letEnd() {
+    for (const auto end = Clock::now() + graceForTheEnd; !result && Clock::now() < end;) {
+        curl_multi_poll(multi.get(), nullptr, 0, 5, nullptr);
+        perform();
+    }
+}
+
+long UpstreamTransfer::status() const {
+    long code = 0;
+    curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &code);
+    return code;
+}
+
+bool UpstreamTransfer::receive(std::string_view bytes) {
+    lastByte = Clock::now();
+    received += bytes.size();
+    if (received > longestAnswer)
+        return false;
+    if (status() == ok) {
+        stream.append(bytes);
+        return true;
+    }
+    refusal += bytes;
+    return refusal.size() < enoughOfARefusal;
+}
+
+std::size_t UpstreamTransfer::onHeader(char*, std::size_t, std::size_t length, void* self) noexcept {
+    static_cast<UpstreamTransfer*>(self)->lastByte = Clock::now();
+    return length;
+}
+
+std::size_t UpstreamTransfer::onBody(char* bytes, std::size_t, std::size_t length, void* self) noexcept {
+    return static_cast<UpstreamTransfer*>(self)->receive({bytes, length}) ? length : CURL_WRITEFUNC_ERROR;
+}
+
+CURLcode UpstreamTransfer::onTLSContext(CURL*, void* context, void* certificates) noexcept {
+    static_cast<const platform::TrustedCertificates*>(certificates)->addTo(static_cast<ssl_ctx_st*>(context));
+    return CURLE_OK;
+}
+
+} // namespace lumarin::service
