@@ -25,6 +25,7 @@ protected:
 
 TEST_F(RunLoop, RunsWorkInTheOrderItFallsDueWhoeverPostsIt) {
     auto main = std::this_thread::get_id();
+    auto start = loop.now();
     loop.postAfter(60ms, [] { QCoreApplication::quit(); });
     loop.postAfter(40ms, [&] { add("d"); });
     loop.post([&] {
@@ -34,7 +35,6 @@ TEST_F(RunLoop, RunsWorkInTheOrderItFallsDueWhoeverPostsIt) {
     loop.post([&] { add("b"); });
     std::jthread other(
         [&] { loop.postAfter(50ms, [&] { add(std::this_thread::get_id() == main ? "e" : "?"); }); });
-    auto start = loop.now();
     runUntilEnd();
     EXPECT_EQ(order, "abcde");
     EXPECT_GE(loop.now() - start, 60ms);
