@@ -234,6 +234,9 @@ TEST_F(UsableAreaTest, IsFreeOfBarsThatNoWindowManagerManages) {
     run("xrandr --output screen --mode small");
     set(bar.window(), "_NET_WM_STRUT_PARTIAL", {0, 50, 0, 20, 0, 0, 0, 599, 0, 0, 0, 999});
     EXPECT_EQ(visible(), (Rect{0, 220, 950, 580}));
+    run("xdotool windowsize --sync " + std::to_string(bar.window()) + " 1000 21");
+    set(bar.window(), "_NET_WM_STRUT_PARTIAL", {0, 0, 21, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+    EXPECT_EQ(visible(), (Rect{0, 200, 1000, 579}));
     run("xrandr --output screen --mode 1280x800");
     set(bar.window(), "_NET_WM_STRUT_PARTIAL", {});
 

@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop/ActiveWindow.h"
 #include "Platform/Desktop/UsableArea.h"
+#include "Platform/Desktop/WindowPlace.h"
 
 #include <algorithm>
 
@@ -62,15 +63,11 @@ std::vector<Monitor> monitorsOf(const XConnection& x) {
 const Monitor& mainMonitor(const XConnection& x, const std::vector<Monitor>& monitors) {
     if (monitors.size() == 1)
         return monitors.front();
-    const auto window = activeWindow(x);
-    auto size = x.reply(xcb_get_geometry_reply, xcb_get_geometry(x, window));
-    auto place =
-        x.reply(xcb_translate_coordinates_reply, xcb_translate_coordinates(x, window, x.root(), 0, 0));
-    if (!size || !place)
+    const auto outline = placeOf(x, activeWindow(x));
+    if (!outline)
         return monitors.front();
-    const QRect outline(place->dst_x, place->dst_y, size->width, size->height);
     return *std::ranges::max_element(monitors, {}, [&](const Monitor& monitor) {
-        const auto common = monitor.pixels & outline;
+        const auto common = monitor.pixels & *outline;
         return common.isEmpty() ? 0 : common.width() * common.height();
     });
 }

@@ -1,5 +1,7 @@
 #include "Platform/Desktop/UsableArea.h"
 
+#include "Platform/Desktop/WindowPlace.h"
+
 #include <algorithm>
 #include <array>
 
@@ -44,6 +46,18 @@ std::vector<xcb_window_t> windowsOn(const XConnection& x) {
     return windows;
 }
 
+// Some bars leave open from where to where they reach: as far as their window does.
+void completeRanges(Strut& strut, const XConnection& x, xcb_window_t window) {
+    if (std::any_of(strut.begin() + edges, strut.end(), [](int value) { return value != 0; }))
+        return;
+    const auto place = placeOf(x, window);
+    for (std::size_t edge = 0; place && edge < edges; ++edge) {
+        const bool isAtSide = edge < 2;
+        strut[edges + 2 * edge] = isAtSide ? place->top() : place->left();
+        strut[edges + 2 * edge + 1] = isAtSide ? place->bottom() : place->right();
+    }
+}
+
 bool isShown(const XConnection& x, xcb_window_t window) {
     const auto state = x.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(x, window));
     return state && state->map_state == XCB_MAP_STATE_VIEWABLE;
@@ -67,6 +81,7 @@ std::vector<Strut> struts(const XConnection& x) {
         const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(answer.get()));
         for (std::size_t index = 0; index < strut.size(); ++index)
             strut[index] = static_cast<int>(values[index]);
+        completeRanges(strut, x, windows[number]);
         result.push_back(strut);
     }
     return result;
