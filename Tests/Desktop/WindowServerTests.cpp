@@ -3,6 +3,7 @@
 #include "Desktop/WindowManager.h"
 #include "Desktop/Windows.h"
 #include "Desktop/WindowsHost.h"
+#include "Platform/Desktop/PanelEnd.h"
 #include "Platform/Kit/Panel.h"
 #include "Platform/Kit/Transaction.h"
 #include "Platform/Kit/VisualEffectView.h"
@@ -256,6 +257,7 @@ TEST_F(UsableAreaTest, IsFreeOfBarsThatNoWindowManagerManages) {
     expect({860, 0, 420, 800}, wholeLeft, {860, 0, 420, 800});
     set(bar.window(), "_NET_WM_STRUT_PARTIAL", {0, 0, 30, 0, 0, 0, 0, 0, 0, 799, 0, 0});
     expect({0, 30, 1280, 770}, {0, 200, 800, 570}, wholeRight);
+    EXPECT_EQ(endOfPanel(x), QRect(736, 0, 64, 30));
     set(x.root(), "_GTK_WORKAREAS_D0", {800, 25, 480, 775, 0, 0, 740, 600});
     expect({0, 30, 1280, 770}, {0, 200, 740, 600}, {800, 0, 480, 775});
 }

@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop/InputGrabs.h"
 #include "Platform/Desktop/PanelColor.h"
+#include "Platform/Desktop/PanelEnd.h"
 #include "Platform/Desktop/SymbolDrawing.h"
 
 #include <QCursor>
@@ -76,23 +77,16 @@ void DesktopStatusItem::openMenu(bool isClicked) {
 }
 
 QPoint DesktopStatusItem::placeForMenu(bool isClicked) const {
-    const auto place = icon ? icon->geometry() : QRect();
+    auto place = icon ? icon->geometry() : QRect();
+    if (place.isEmpty() && icon && !isClicked)
+        place = endOfPanel(x);
     const auto* screen = QGuiApplication::screenAt(place.center());
-    if (!place.isEmpty() && screen) {
-        // From the edge that the tray is at.
-        if (place.center().y() < screen->geometry().center().y())
-            return place.bottomLeft() + QPoint(0, 1);
-        return place.topLeft() - QPoint(0, menu.sizeHint().height());
-    }
-    if (isClicked || !icon)
+    if (place.isEmpty() || !screen)
         return QCursor::pos();
-    // The corner where panels have their icons.
-    screen = QGuiApplication::primaryScreen();
-    if (!screen)
-        return {};
-    const auto free = screen->availableGeometry();
-    const bool isBelow = free.bottom() < screen->geometry().bottom();
-    return isBelow ? free.bottomRight() : free.topRight();
+    // From the edge that the tray is at.
+    if (place.center().y() < screen->geometry().center().y())
+        return place.bottomLeft() + QPoint(0, 1);
+    return place.topLeft() - QPoint(0, menu.sizeHint().height());
 }
 
 } // namespace platform::desktop

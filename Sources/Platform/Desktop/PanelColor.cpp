@@ -1,5 +1,7 @@
 #include "Platform/Desktop/PanelColor.h"
 
+#include "Platform/Desktop/PanelEnd.h"
+
 #include <algorithm>
 #include <optional>
 
@@ -27,22 +29,6 @@ std::optional<QColor> colorOfTray(const XConnection& x, xcb_window_t tray) {
     return QColor(channel(0), channel(1), channel(2));
 }
 
-// The end of the panel where icons stand: a part of the screen that windows are kept out of.
-QRect endOfPanel(const QScreen& screen) {
-    constexpr int length = 64;
-    const auto all = screen.geometry();
-    const auto free = screen.availableGeometry();
-    if (free.top() > all.top())
-        return {all.right() + 1 - length, all.top(), length, free.top() - all.top()};
-    if (free.bottom() < all.bottom())
-        return {all.right() + 1 - length, free.bottom() + 1, length, all.bottom() - free.bottom()};
-    if (free.right() < all.right())
-        return {free.right() + 1, all.bottom() + 1 - length, all.right() - free.right(), length};
-    if (free.left() > all.left())
-        return {all.left(), all.bottom() + 1 - length, free.left() - all.left(), length};
-    return {};
-}
-
 // Of most of what is seen there: drawings cover the smaller part of what they are drawn on.
 int medianGray(const QImage& picture) {
     std::vector<int> grays;
@@ -60,16 +46,11 @@ QColor colorOnPanel(const XConnection& x, xcb_window_t classicTray, const QRect&
     if (!icon.isEmpty() && classicTray != XCB_NONE)
         if (const auto color = colorOfTray(x, classicTray))
             return *color;
-    auto* screen = QGuiApplication::screenAt(icon.center());
-    if (!screen || icon.isEmpty())
-        screen = QGuiApplication::primaryScreen();
+    const auto seen = icon.isEmpty() ? endOfPanel(x) : icon;
     auto background = QGuiApplication::palette().color(QPalette::Window);
-    if (screen) {
-        const auto seen = icon.isEmpty() ? endOfPanel(*screen) : icon;
+    if (auto* screen = seen.isEmpty() ? nullptr : QGuiApplication::screenAt(seen.center())) {
         const auto corner = seen.topLeft() - screen->geometry().topLeft();
-        if (const auto picture =
-                seen.isEmpty() ? QPixmap()
-                               : screen->grabWindow(0, corner.x(), corner.y(), seen.width(), seen.height());
+        if (const auto picture = screen->grabWindow(0, corner.x(), corner.y(), seen.width(), seen.height());
             !picture.isNull())
             background = QColor::fromHsl(0, 0, medianGray(picture.toImage()));
     }
