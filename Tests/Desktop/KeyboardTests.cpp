@@ -231,6 +231,10 @@ TEST_F(Keyboard, LeavesNothingPressedHoweverTheUserTypesMeanwhile) {
     isDone = true;
     typist.join();
     EXPECT_TRUE(comesTrue([&] { return user.keysDown().empty(); }));
+    // Without its modifier it would be typed over the text.
+    EXPECT_TRUE(std::ranges::none_of(application.takeKeys(), [](const SeenKey& key) {
+        return key.code == Key::c && (key.state & controlState) == 0;
+    }));
     // The server counts each modifier's presses: a surplus one would show now.
     EXPECT_EQ(seenOfCommand(key::c, application), combination(Key::leftControl, controlState, Key::c));
 }

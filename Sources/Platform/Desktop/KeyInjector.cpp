@@ -1,7 +1,5 @@
 #include "Platform/Desktop/KeyInjector.h"
 
-#include <algorithm>
-
 #include <xcb/xtest.h>
 
 namespace platform::desktop {
@@ -22,9 +20,11 @@ std::bitset<256> keysDown(const XConnection& x) {
 void KeyInjector::type(KeyCode code, const std::vector<KeyCode>& modifiers, const KeyMap& map) {
     std::lock_guard lock(mutex);
     auto down = keysDown(questions);
+    // Also where it is one of the modifiers: the user may be about to release it, and the key alone would be
+    // typed over what is selected.
     std::vector<KeyCode> lifted;
     for (auto held : map.modifierKeys()) {
-        if (down[held] && std::ranges::find(modifiers, held) == modifiers.end()) {
+        if (down[held]) {
             make(held, false);
             lifted.push_back(held);
         }
@@ -32,16 +32,12 @@ void KeyInjector::type(KeyCode code, const std::vector<KeyCode>& modifiers, cons
     // A key that is down already would not be pressed again.
     if (down[code])
         make(code, false);
-    for (auto modifier : modifiers) {
-        if (!down[modifier])
-            make(modifier, true);
-    }
+    for (auto modifier : modifiers)
+        make(modifier, true);
     make(code, true);
     make(code, false);
-    for (auto modifier = modifiers.rbegin(); modifier != modifiers.rend(); ++modifier) {
-        if (!down[*modifier])
-            make(*modifier, false);
-    }
+    for (auto modifier = modifiers.rbegin(); modifier != modifiers.rend(); ++modifier)
+        make(*modifier, false);
     for (auto held : lifted) {
         putBack.erase(held);
         if (heldByUser[held]) {
