@@ -68,6 +68,10 @@ Task<void> DesktopPasteboard::clearContents() {
     co_await ignoreCancellation();
     co_await resumeOn(thread);
     co_await effects.pasteDone();
+    if (watch.owner() == XCB_NONE) {
+        effects.termBegan();
+        co_return;
+    }
     SelectionContent nothing{{inPassing}};
     co_await owner.own(Tenancy::empty, std::move(nothing));
     if (wasEmpty)

@@ -28,7 +28,16 @@ SelectionOwner::SelectionOwner(SelectionThread& ownThread, Observer& termObserve
 
 Task<void> SelectionOwner::own(Tenancy tenancy, SelectionContent content) {
     auto time = co_await thread.serverTime();
-    wanted = Term{tenancy, time, std::make_shared<const SelectionContent>(std::move(content))};
+    Term term{tenancy, time, std::make_shared<const SelectionContent>(std::move(content))};
+    // Nobody is told that it is empty in passing. Programs that look at each new clipboard would have two to
+    // look at at once, and some then hold on to what they learn last of the older: nothing to paste.
+    if (tenancy == Tenancy::empty && current) {
+        endTerm(time);
+        current = std::move(term);
+        observer.termBegan();
+        co_return;
+    }
+    wanted = std::move(term);
     xcb_set_selection_owner(x, window, clipboard, time);
     // Told by the server's notice, which stands in order among the notices of other owners and the requests.
     co_await thread.until([this] { return !wanted; }, ownLimit);

@@ -26,7 +26,7 @@ public:
 
     SelectionOwner(SelectionThread& thread, Observer& observer);
 
-    // Takes the clipboard; ends when everybody has been told.
+    // Takes the clipboard; ends when everybody has been told, or at once when what is owned is emptied.
     Task<void> own(Tenancy tenancy, SelectionContent content);
 
     // Leaves the clipboard to nobody, if it is still owned for the same reason as at `since`.
