@@ -239,6 +239,22 @@ TEST_F(Keyboard, LeavesNothingPressedHoweverTheUserTypesMeanwhile) {
     EXPECT_EQ(seenOfCommand(key::c, application), combination(Key::leftControl, controlState, Key::c));
 }
 
+// Its own letters would take the arrow.
+TEST_F(Keyboard, EndsASelectionBesideAnInputMethod) {
+    TestApplication application;
+    const xcb_window_t candidates = xcb_generate_id(x);
+    constexpr std::uint32_t overrideRedirect = 1;
+    xcb_create_window(x, XCB_COPY_FROM_PARENT, candidates, x.root(), 0, 0, 200, 30, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT,
+                      &overrideRedirect);
+    x.setProperty(candidates, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, std::string("fcitx\0fcitx\0", 12));
+    post(key::rightArrow);
+    EXPECT_EQ(application.takeKeys(), plain(Key::right));
+    xcb_map_window(x, candidates);
+    post(key::rightArrow);
+    EXPECT_EQ(application.takeKeys(), combination(Key::leftControl, controlState, Key::end));
+}
+
 TEST_F(Keyboard, GoesOnWhenTheKeyboardMapChanges) {
     TestApplication application;
     startTap();

@@ -24,6 +24,7 @@ struct Key {
     static constexpr int rightControl = 105;
     static constexpr int home = 110;
     static constexpr int right = 114;
+    static constexpr int end = 115;
     static constexpr int insert = 118;
 };
 

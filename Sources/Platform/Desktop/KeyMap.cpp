@@ -82,6 +82,7 @@ KeyMap::KeyMap(xkb_keymap* read, const XConnection& connection, std::int32_t key
     controlKey_ = keyTyping(XKB_KEY_Control_L, std::nullopt);
     shiftKey_ = keyTyping(XKB_KEY_Shift_L, std::nullopt);
     insertKey_ = keyTyping(XKB_KEY_Insert, std::nullopt);
+    endKey_ = keyTyping(XKB_KEY_End, std::nullopt);
     for (auto code = xkb_keymap_min_keycode(map.get()); code <= xkb_keymap_max_keycode(map.get()); ++code) {
         for (xkb_layout_index_t group = 0; group < xkb_keymap_num_layouts_for_key(map.get(), code); ++group) {
             if (std::ranges::find(modifierSymbols, plainSymbol(map.get(), code, group))

@@ -44,6 +44,7 @@ public:
     std::optional<KeyCode> controlKey() const { return controlKey_; }
     std::optional<KeyCode> shiftKey() const { return shiftKey_; }
     std::optional<KeyCode> insertKey() const { return insertKey_; }
+    std::optional<KeyCode> endKey() const { return endKey_; }
 
     // The keys that change what other keys mean while they are held.
     const std::vector<KeyCode>& modifierKeys() const { return modifierKeys_; }
@@ -64,6 +65,7 @@ private:
     std::optional<KeyCode> controlKey_;
     std::optional<KeyCode> shiftKey_;
     std::optional<KeyCode> insertKey_;
+    std::optional<KeyCode> endKey_;
     std::vector<KeyCode> modifierKeys_;
 };
 

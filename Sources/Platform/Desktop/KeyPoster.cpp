@@ -1,5 +1,7 @@
 #include "Platform/Desktop/KeyPoster.h"
 
+#include "Platform/Desktop/InputMethod.h"
+
 #include <thread>
 
 namespace platform::desktop {
@@ -74,8 +76,12 @@ std::optional<KeyPoster::Chord> KeyPoster::chordFor(const KeyEvent& event, const
     auto code = map.keyFor(event.keyCode, map.currentGroup());
     if (!code)
         return std::nullopt;
-    if ((event.flags & flag::command) == 0)
+    if ((event.flags & flag::command) == 0) {
+        // An input method would move in the letters it has; all would stay selected, and go when they end.
+        if (event.keyCode == key::rightArrow && map.endKey() && map.controlKey() && isComposing(x))
+            return Chord{*map.endKey(), {*map.controlKey()}};
         return Chord{*code, {}};
+    }
     if (!map.controlKey())
         return std::nullopt;
     return Chord{*code, {*map.controlKey()}};
