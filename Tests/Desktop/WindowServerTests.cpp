@@ -228,7 +228,8 @@ TEST_F(UsableAreaTest, IsFreeOfBarsThatNoWindowManagerManages) {
     const TestApplication writer("writer");
     const auto set = [&](xcb_window_t window, const char* property, std::vector<std::uint32_t> values) {
         x.setProperty(window, x.atom(property), XCB_ATOM_CARDINAL, values);
-        x.flush();
+        // The host asks on a connection of its own.
+        static_cast<void>(x.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x)));
     };
     const auto visible = [&] { return host.desktop().mainScreen().value().visibleFrame; };
     run("xrandr --newmode small 0 1000 0 0 1000 600 0 0 600 && xrandr --addmode screen small");
