@@ -68,6 +68,7 @@ Task<void> DesktopPasteboard::clearContents() {
     co_await ignoreCancellation();
     co_await resumeOn(thread);
     co_await effects.pasteDone();
+    // Nobody need hear of an owner for that.
     if (watch.owner() == XCB_NONE) {
         effects.termBegan();
         co_return;
