@@ -4,7 +4,7 @@
 #include "Acceptance/AcceptanceProgram.h"
 #include "Acceptance/Panel.h"
 #include "Core/LocalizationManager.h"
-#include "Platform/Desktop/DesktopStatusItem.h"
+#include "Platform/Desktop/Tray/DesktopStatusItem.h"
 #include "Platform/Headless/HeadlessHost.h"
 #include "main/AppDelegate.h"
 

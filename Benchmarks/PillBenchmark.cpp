@@ -1,7 +1,7 @@
 // What a frame of the pill takes on the main thread, from its layers to the picture that goes to the display.
 
-#include "Platform/Desktop/MeasuredTexts.h"
-#include "Platform/Desktop/WindowPicture.h"
+#include "Platform/Desktop/Painting/MeasuredTexts.h"
+#include "Platform/Desktop/Pictures/WindowPicture.h"
 #include "Platform/Headless/HeadlessHost.h"
 #include "Support/TemporaryFolder.h"
 #include "UI/TranslationHUD.h"

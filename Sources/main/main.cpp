@@ -1,6 +1,6 @@
 #include "Platform/Desktop/DesktopHost.h"
-#include "Platform/Desktop/SessionFacts.h"
-#include "Platform/Desktop/SingleInstance.h"
+#include "Platform/Desktop/Session/SessionFacts.h"
+#include "Platform/Desktop/Session/SingleInstance.h"
 #include "main/Launch.h"
 
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "Acceptance/Display.h"
 
-#include "Platform/Desktop/XConnection.h"
+#include "Platform/Desktop/X11/Server/XConnection.h"
 
 #include <algorithm>
 

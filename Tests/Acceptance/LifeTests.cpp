@@ -1,6 +1,6 @@
 #include "Acceptance/AcceptanceTest.h"
 #include "Desktop/Windows.h"
-#include "Platform/Desktop/ActiveWindow.h"
+#include "Platform/Desktop/X11/Server/ActiveWindow.h"
 
 #include <csignal>
 

@@ -1,7 +1,7 @@
 #include "Acceptance/TestEditor.h"
 
 #include "Desktop/Windows.h"
-#include "Platform/Desktop/ActiveWindow.h"
+#include "Platform/Desktop/X11/Server/ActiveWindow.h"
 
 #include <cstring>
 

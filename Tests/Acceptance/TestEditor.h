@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Acceptance/Display.h"
-#include "Desktop/SelectionClient.h"
+#include "Desktop/X11/Clipboard/SelectionClient.h"
 
 namespace tests {
 

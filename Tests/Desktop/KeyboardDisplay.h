@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Desktop/XServer.h"
-#include "Platform/Desktop/XConnection.h"
+#include "Platform/Desktop/X11/Server/XConnection.h"
 
 #include <iosfwd>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/XConnection.h"
+#include "Platform/Desktop/X11/Server/XConnection.h"
 #include "Support/ComesTrue.h"
 
 #include <initializer_list>

@@ -1,6 +1,6 @@
 #include "Desktop/Windows.h"
 
-#include "Platform/Desktop/ActiveWindow.h"
+#include "Platform/Desktop/X11/Server/ActiveWindow.h"
 #include "Support/ComesTrue.h"
 
 namespace platform::desktop {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/XConnection.h"
+#include "Platform/Desktop/X11/Server/XConnection.h"
 
 namespace platform::desktop {
 

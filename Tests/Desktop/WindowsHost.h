@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Desktop/DesktopWindowServer.h"
 #include "Platform/Desktop/QtRunLoop.h"
+#include "Platform/Desktop/Windows/DesktopWindowServer.h"
 #include "Platform/Headless/HeadlessHost.h"
 #include "Support/TemporaryFolder.h"
 

@@ -1,7 +1,7 @@
 #include "Desktop/KeyboardDisplay.h"
 #include "Desktop/WindowManager.h"
 #include "Platform/Desktop/DesktopWorkspace.h"
-#include "Platform/Desktop/SessionFacts.h"
+#include "Platform/Desktop/Session/SessionFacts.h"
 #include "Support/TemporaryFolder.h"
 
 #include <array>

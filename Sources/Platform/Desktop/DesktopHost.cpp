@@ -1,11 +1,11 @@
 #include "Platform/Desktop/DesktopHost.h"
 
-#include "Platform/Desktop/DesktopWindowServer.h"
-#include "Platform/Desktop/KeyboardNoticeFilter.h"
-#include "Platform/Desktop/LoadedHTTPSession.h"
-#include "Platform/Desktop/MachineFacts.h"
-#include "Platform/Desktop/SessionFacts.h"
-#include "Platform/Desktop/TrustObstacle.h"
+#include "Platform/Desktop/Session/LoadedHTTPSession.h"
+#include "Platform/Desktop/Session/MachineFacts.h"
+#include "Platform/Desktop/Session/SessionFacts.h"
+#include "Platform/Desktop/Windows/DesktopWindowServer.h"
+#include "Platform/Desktop/X11/Display/KeyboardNoticeFilter.h"
+#include "Platform/Desktop/X11/Keys/TrustObstacle.h"
 
 #include <atomic>
 #include <cstdio>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Platform/Desktop/ApplicationNames.h"
-#include "Platform/Desktop/FileReveal.h"
-#include "Platform/Desktop/PostedKeys.h"
+#include "Platform/Desktop/Applications/ApplicationNames.h"
+#include "Platform/Desktop/Session/FileReveal.h"
+#include "Platform/Desktop/Typing/PostedKeys.h"
 #include "Platform/Input/Workspace.h"
 
 namespace platform::desktop {

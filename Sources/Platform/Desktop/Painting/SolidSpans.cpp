@@ -1,0 +1,30 @@
+#include "Platform/Desktop/Painting/SolidSpans.h"
+
+#include <algorithm>
+
+namespace platform::desktop {
+
+std::vector<xcb_rectangle_t> solidSpans(const QImage& picture, int density) {
+    std::vector<xcb_rectangle_t> result;
+    const auto isSolid = [&](QRgb pixel) { return qAlpha(pixel) >= density; };
+    for (int y = 0; y < picture.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+        const auto* end = row + picture.width();
+        const auto* first = std::find_if(row, end, isSolid);
+        if (first == end)
+            continue;
+        while (!isSolid(end[-1]))
+            --end;
+        const xcb_rectangle_t span{static_cast<std::int16_t>(first - row), static_cast<std::int16_t>(y),
+                                   static_cast<std::uint16_t>(end - first), 1};
+        // A row like the one above makes that one taller.
+        if (!result.empty() && result.back().x == span.x && result.back().width == span.width
+            && result.back().y + result.back().height == y)
+            ++result.back().height;
+        else
+            result.push_back(span);
+    }
+    return result;
+}
+
+} // namespace platform::desktop

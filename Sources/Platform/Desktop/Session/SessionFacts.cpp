@@ -1,0 +1,164 @@
+#include "Platform/Desktop/Session/SessionFacts.h"
+
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <sstream>
+#include <string_view>
+
+#include <xcb/xinput.h>
+
+namespace platform::desktop {
+
+namespace {
+
+// The parts of a locale's name: zh_TW.UTF-8, sr_RS@latin.
+struct Locale {
+    std::string language;
+    std::string territory;
+    std::string modifier;
+
+    explicit Locale(std::string name) {
+        modifier = cutAt(name, '@');
+        cutAt(name, '.');
+        territory = cutAt(name, '_');
+        language = name;
+    }
+
+    bool hasLanguage() const { return !language.empty() && language != "C" && language != "POSIX"; }
+
+private:
+    // Leaves what is before the mark and returns what is behind it.
+    static std::string cutAt(std::string& text, char mark) {
+        auto place = text.find(mark);
+        if (place == std::string::npos)
+            return {};
+        auto rest = text.substr(place + 1);
+        text.erase(place);
+        return rest;
+    }
+};
+
+std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? value : "";
+}
+
+std::vector<Locale> chosenLocales() {
+    std::vector<Locale> result;
+    std::string chosen;
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        if (chosen = environment(name); !chosen.empty())
+            break;
+    }
+    // The list of languages refines the choice of one; it does not count where none was wanted.
+    if (chosen != "C" && chosen != "POSIX") {
+        std::istringstream list(environment("LANGUAGE"));
+        for (std::string name; std::getline(list, name, ':');)
+            result.emplace_back(name);
+    }
+    result.emplace_back(chosen);
+    std::erase_if(result, [](const Locale& locale) { return !locale.hasLanguage(); });
+    return result;
+}
+
+std::string scriptOf(const Locale& locale) {
+    if (locale.language == "zh") {
+        constexpr auto traditional = std::to_array<std::string_view>({"TW", "HK", "MO"});
+        return std::ranges::find(traditional, locale.territory) == traditional.end() ? "Hans" : "Hant";
+    }
+    if (locale.modifier == "latin")
+        return "Latn";
+    return locale.modifier == "cyrillic" ? "Cyrl" : "";
+}
+
+template <typename T>
+void addOnce(std::vector<T>& list, T value) {
+    if (std::ranges::find(list, value) == list.end())
+        list.push_back(std::move(value));
+}
+
+std::filesystem::path location(QStandardPaths::StandardLocation kind) {
+    return QStandardPaths::writableLocation(kind).toStdString();
+}
+
+std::filesystem::path resourcesOf(const std::filesystem::path& executable) {
+    auto folder = executable.parent_path();
+    const std::array candidates{folder.parent_path() / "Resources",
+                                folder.parent_path() / "share/lumarin/Resources", folder / "Resources"};
+    for (const auto& candidate : candidates) {
+        std::error_code error;
+        if (std::filesystem::is_directory(candidate, error))
+            return candidate;
+    }
+    return candidates.front();
+}
+
+} // namespace
+
+std::vector<std::string> preferredLocales() {
+    std::vector<std::string> result;
+    for (const auto& locale : chosenLocales()) {
+        if (!locale.territory.empty())
+            addOnce(result, locale.language + '_' + locale.territory);
+        addOnce(result, locale.language);
+    }
+    return result;
+}
+
+std::vector<std::string> preferredLanguageTags() {
+    std::vector<std::string> result;
+    for (const auto& locale : chosenLocales()) {
+        auto tag = locale.language;
+        for (const auto& part : {scriptOf(locale), locale.territory}) {
+            if (!part.empty())
+                tag += '-' + part;
+        }
+        addOnce(result, tag);
+    }
+    if (result.empty())
+        result.emplace_back("en");
+    return result;
+}
+
+std::vector<std::filesystem::path> dataFolders() {
+    std::vector<std::filesystem::path> result;
+    for (const auto& folder : QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation))
+        result.emplace_back(folder.toStdString());
+    return result;
+}
+
+Directories sessionDirectories() {
+    Directories result;
+    result.applicationSupport = location(QStandardPaths::GenericDataLocation);
+    if (auto desktop = location(QStandardPaths::DesktopLocation); !desktop.empty())
+        result.desktop = desktop;
+    result.configuration = location(QStandardPaths::GenericConfigLocation) / "Lumarin";
+    result.downloads = location(QStandardPaths::DownloadLocation);
+    std::error_code error;
+    result.executable = std::filesystem::read_symlink("/proc/self/exe", error);
+    result.resources = resourcesOf(result.executable);
+    return result;
+}
+
+bool isWaylandSession(const XConnection& x) {
+    if (environment("XDG_SESSION_TYPE") == "wayland")
+        return true;
+    // A display inside a Wayland session has devices that say so.
+    auto devices =
+        x.reply(xcb_input_xi_query_device_reply, xcb_input_xi_query_device(x, XCB_INPUT_DEVICE_ALL));
+    if (!devices)
+        return false;
+    for (auto device = xcb_input_xi_query_device_infos_iterator(devices.get()); device.rem > 0;
+         xcb_input_xi_device_info_next(&device)) {
+        std::string_view name(xcb_input_xi_device_info_name(device.data),
+                              static_cast<std::size_t>(xcb_input_xi_device_info_name_length(device.data)));
+        if (name.starts_with("xwayland-"))
+            return true;
+    }
+    return false;
+}
+
+} // namespace platform::desktop

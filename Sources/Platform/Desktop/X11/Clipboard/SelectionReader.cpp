@@ -1,0 +1,160 @@
+#include "Platform/Desktop/X11/Clipboard/SelectionReader.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace platform::desktop {
+namespace {
+
+using namespace std::chrono_literals;
+
+// An application may be busy for a second before it answers; a transfer under way shows life more often.
+constexpr auto answerLimit = 1250ms;
+constexpr auto pieceLimit = 1000ms;
+constexpr auto contentLimit = 5000ms;
+// A file of this size is moved by its name, not through the clipboard.
+constexpr std::size_t largestForm = std::size_t{1} << 30U;
+
+// Targets that say or do something about the selection and are none of its forms.
+constexpr std::array notForms = {"TARGETS", "MULTIPLE", "TIMESTAMP",        "SAVE_TARGETS",
+                                 "DELETE",  "INCR",     "INSERT_SELECTION", "INSERT_PROPERTY"};
+// Properties that only name what belongs to the owner and goes with it.
+constexpr std::array resources = {"PIXMAP", "BITMAP", "DRAWABLE", "COLORMAP", "WINDOW"};
+
+// Late answers to a question that was given up arrive under a name that is not in use again for some time.
+constexpr unsigned propertyNames = 16;
+
+} // namespace
+
+SelectionReader::SelectionReader(SelectionThread& ownThread, const SelectionWatch& ownerWatch)
+    : thread(ownThread),
+      x(thread.x()),
+      watch(ownerWatch),
+      window(x.makeHiddenWindow(XCB_EVENT_MASK_PROPERTY_CHANGE)),
+      clipboard(x.atom("CLIPBOARD")),
+      incremental(x.atom("INCR")) {}
+
+Task<SelectionContent> SelectionReader::content() {
+    const auto deadline = std::chrono::steady_clock::now() + contentLimit;
+    const auto time = co_await thread.serverTime();
+    SelectionContent result;
+    int silences = 0;
+    const auto offered = co_await targets(time, deadline);
+    for (auto form : offered) {
+        auto name = x.nameOf(form);
+        if (std::ranges::count(notForms, name) != 0 || result.form(name))
+            continue;
+        auto answer = co_await ask(form, time, deadline);
+        silences = answer.came ? 0 : silences + 1;
+        if (silences == 2)
+            break;
+        if (!answer.data)
+            continue;
+        auto type = answer.data->type == form ? name : x.nameOf(answer.data->type);
+        if (std::ranges::count(resources, type) == 0)
+            result.forms.push_back({name, type, answer.data->format, std::move(answer.data->bytes)});
+    }
+    co_return result;
+}
+
+Task<std::vector<xcb_atom_t>> SelectionReader::targets(xcb_timestamp_t time, Moment deadline) {
+    auto answer = co_await ask(x.atom("TARGETS"), time, deadline);
+    if (answer.data)
+        co_return answer.data->values();
+    if (answer.came) // an old program that has nothing but text
+        co_return std::vector{x.atom("UTF8_STRING"), xcb_atom_t{XCB_ATOM_STRING}};
+    co_return std::vector<xcb_atom_t>();
+}
+
+Task<std::optional<std::string>> SelectionReader::text() {
+    const auto deadline = std::chrono::steady_clock::now() + contentLimit;
+    const auto time = co_await thread.serverTime();
+    for (const char* form : textTargets) {
+        auto answer = co_await ask(x.atom(form), time, deadline);
+        if (!answer.came)
+            break;
+        if (answer.data) {
+            if (auto result = textOf(x.nameOf(answer.data->type), std::move(answer.data->bytes)))
+                co_return result;
+        }
+    }
+    co_return std::nullopt;
+}
+
+Task<SelectionReader::Answer> SelectionReader::ask(xcb_atom_t wanted, xcb_timestamp_t time, Moment deadline) {
+    const auto owner = watch.owner();
+    if (owner == XCB_NONE)
+        co_return Answer{true, std::nullopt};
+    target = wanted;
+    property = x.atom("LUMARIN_SELECTION_" + std::to_string(questions++ % propertyNames));
+    answered = granted = pieceCame = false;
+    xcb_delete_property(x, window, property);
+    xcb_convert_selection(x, window, clipboard, target, property, time);
+    auto limit = std::min(deadline, std::chrono::steady_clock::now() + answerLimit);
+    co_await thread.until([&] { return answered || watch.owner() != owner; }, limit);
+
+    Answer answer{answered, std::nullopt};
+    if (answered && granted) {
+        answer.data = x.property(window, property, true);
+        if (answer.data && answer.data->type == incremental)
+            answer.data = co_await receivePieces(property, deadline);
+    }
+    property = XCB_ATOM_NONE;
+    co_return answer;
+}
+
+// Reading the announcement with its deletion has told the owner to begin; each deletion asks for the next
+// piece.
+Task<std::optional<XProperty>> SelectionReader::receivePieces(xcb_atom_t name, Moment deadline) {
+    const auto owner = watch.owner();
+    std::optional<XProperty> whole;
+    while (true) {
+        auto limit = std::min(deadline, std::chrono::steady_clock::now() + pieceLimit);
+        co_await thread.until([&] { return pieceCame || watch.owner() != owner; }, limit);
+        if (!std::exchange(pieceCame, false))
+            co_return std::nullopt;
+        auto piece = x.property(window, name, true);
+        if (!piece || piece->type == incremental)
+            continue; // an event of the announcement itself
+        if (piece->bytes.empty())
+            co_return whole ? std::move(whole) : std::move(piece);
+        if (!whole) {
+            whole = std::move(piece);
+        } else {
+            whole->bytes += piece->bytes;
+            if (whole->bytes.size() > largestForm)
+                co_return std::nullopt;
+        }
+    }
+}
+
+void SelectionReader::handle(const xcb_generic_event_t& event) {
+    switch (event.response_type & 0x7F) {
+    case XCB_SELECTION_NOTIFY: {
+        const auto& notice = reinterpret_cast<const xcb_selection_notify_event_t&>(event);
+        if (notice.requestor != window || property == XCB_ATOM_NONE)
+            return;
+        // A refusal names no property.
+        if (notice.property == property || (notice.property == XCB_ATOM_NONE && notice.target == target)) {
+            answered = true;
+            granted = notice.property == property;
+        }
+        return;
+    }
+    case XCB_PROPERTY_NOTIFY: {
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if (change.window != window || change.state != XCB_PROPERTY_NEW_VALUE)
+            return;
+        if (change.atom == property)
+            pieceCame = true;
+        else // too late: taken away, so that the owner gets to the end of its transfer
+            xcb_delete_property(x, window, change.atom);
+        return;
+    }
+    default:
+        return;
+    }
+}
+
+} // namespace platform::desktop
