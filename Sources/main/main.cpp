@@ -1,3 +1,4 @@
+#include "Core/Logger.h"
 #include "Platform/Desktop/DesktopHost.h"
 #include "Platform/Desktop/Session/SessionFacts.h"
 #include "Platform/Desktop/Session/SingleInstance.h"
@@ -19,7 +20,7 @@ int main(int /*argumentCount*/, char** arguments) {
         return isTold ? 0 : 1;
     }
     try {
-        DesktopHost host(arguments[0]);
+        DesktopHost host(arguments[0], lumarin::LumLog::log);
         platform::Host::setCurrent(&host);
         lumarin::beginLog();
         lumarin::runApp();

@@ -58,8 +58,9 @@ std::vector<QWindow*> openWindows() {
 
 } // namespace
 
-DesktopHost::DesktopHost(char* program)
-    : arguments(program),
+DesktopHost::DesktopHost(char* program, LogSink sink)
+    : log(std::move(sink)),
+      arguments(program),
       qt(std::make_unique<QApplication>(arguments.count(), arguments.values())),
       keyboardNotices(std::make_unique<KeyboardNoticeFilter>(display)),
       runLoop(std::make_unique<QtRunLoop>()),

@@ -11,6 +11,7 @@
 #include "Platform/Desktop/X11/Clipboard/DesktopPasteboard.h"
 #include "Platform/Desktop/X11/Display/EventDrain.h"
 #include "Platform/Desktop/X11/Keys/DesktopKeyboard.h"
+#include "Platform/Foundation/LogSink.h"
 #include "Platform/Foundation/ThreadRunLoop.h"
 #include "Platform/Host.h"
 
@@ -28,7 +29,7 @@ class KeyboardNoticeFilter;
 class DesktopHost : public Host {
 public:
     // Throws DisplayError. `program` is the name the program was started by and outlives the host.
-    explicit DesktopHost(char* program);
+    DesktopHost(char* program, LogSink log);
     ~DesktopHost() override;
 
     // Leaves the session as it was found and ends the program, with status 0. What is under way just ends
@@ -61,6 +62,8 @@ public:
 private:
     void startBackground();
     void reopen();
+
+    const LogSink log;
 
     // First: no thread may be there before them.
     SignalWatch terminations{SIGTERM, SIGINT, SIGHUP};
