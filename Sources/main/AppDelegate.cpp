@@ -12,6 +12,9 @@ using platform::Host;
 
 namespace {
 
+// A panel is asked whether it is there, and may be busy with a login.
+constexpr platform::Duration panelAnswers = std::chrono::seconds(1);
+
 platform::Symbol symbolFor(TranslationState state) {
     constexpr std::array names{
         "character.bubble", "text.magnifyingglass", "arrow.triangle.2.circlepath", "eye",
@@ -30,8 +33,10 @@ void AppDelegate::applicationDidFinishLaunching() {
     stateMachine->setup();
     subscribe();
     registerLoginItem();
-    if (!statusItem_->isVisible())
-        LumLog::log("This desktop has no status bar yet; the icon appears when there is one");
+    Host::current().mainRunLoop().postAfter(panelAnswers, [self = weak_from_this()] {
+        if (auto delegate = self.lock(); delegate && !delegate->statusItem_->isVisible())
+            LumLog::log("This desktop has no status bar yet; the icon appears when there is one");
+    });
     scheduleOnboarding();
     LumLog::log("App started");
 }

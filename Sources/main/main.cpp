@@ -1,7 +1,7 @@
 #include "Core/Logger.h"
-#include "Platform/Desktop/DesktopHost.h"
 #include "Platform/Desktop/Session/SessionFacts.h"
 #include "Platform/Desktop/Session/SingleInstance.h"
+#include "Platform/Desktop/X11Host.h"
 #include "main/Launch.h"
 
 #include <csignal>
@@ -20,7 +20,7 @@ int main(int /*argumentCount*/, char** arguments) {
         return isTold ? 0 : 1;
     }
     try {
-        DesktopHost host(arguments[0], lumarin::LumLog::log);
+        X11Host host(arguments[0], lumarin::LumLog::log);
         platform::Host::setCurrent(&host);
         lumarin::beginLog();
         lumarin::runApp();

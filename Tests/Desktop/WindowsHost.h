@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Desktop/Windows/DesktopWindowServer.h"
+#include "Platform/Desktop/X11/Display/X11Display.h"
 #include "Platform/Headless/HeadlessHost.h"
 #include "Support/TemporaryFolder.h"
 
@@ -20,7 +21,8 @@ public:
 private:
     static inline const tests::TemporaryFolder folder;
     QtRunLoop loop;
-    DesktopWindowServer server{loop, mainBundle()};
+    X11Display display;
+    DesktopWindowServer server{display, loop, mainBundle()};
 };
 
 } // namespace platform::desktop

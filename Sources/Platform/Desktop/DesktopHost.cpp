@@ -3,15 +3,12 @@
 #include "Platform/Desktop/Session/LoadedHTTPSession.h"
 #include "Platform/Desktop/Session/MachineFacts.h"
 #include "Platform/Desktop/Session/SessionFacts.h"
-#include "Platform/Desktop/Windows/DesktopWindowServer.h"
-#include "Platform/Desktop/X11/Display/KeyboardNoticeFilter.h"
-#include "Platform/Desktop/X11/Keys/TrustObstacle.h"
 
-#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 
 #include <QApplication>
+#include <QSessionManager>
 #include <QWindow>
 
 namespace platform::desktop {
@@ -21,18 +18,6 @@ namespace {
 // The background waits so long: in that time the program is launched and the panel asks for its icon, which
 // would have to share the processors.
 constexpr auto launchTime = std::chrono::milliseconds(50);
-
-// The connection that tells whether the display is there, for Qt's messages, which come without a context.
-constinit std::atomic<const XConnection*> watchedDisplay = nullptr;
-
-// Qt ends the program by itself when it loses its connection, while our threads still run; it complains
-// first.
-void handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    if (const auto* display = watchedDisplay.load(); display && display->isBroken())
-        endForLostDisplay();
-    auto line = qFormatLogMessage(type, context, text).toStdString() + '\n';
-    std::fputs(line.c_str(), stderr);
-}
 
 // A certificate stands beside the Info.json that names it, the user's or the bundle's, or is one that a
 // service of the user's own makes. That one may be yet to come.
@@ -56,32 +41,32 @@ std::vector<QWindow*> openWindows() {
     return result;
 }
 
+// Whether the program starts at login is the login item's to say: a session that the desktop has saved would
+// start it also where that is off, and a second time where it is on.
+void keepOutOfSavedSessions(const QGuiApplication& application) {
+    const auto refuse = [](QSessionManager& session) {
+        session.setRestartHint(QSessionManager::RestartNever);
+    };
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, refuse);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, refuse);
+}
+
 } // namespace
 
 DesktopHost::DesktopHost(char* program, LogSink sink)
-    : log(std::move(sink)),
-      arguments(program),
+    : arguments(program),
       qt(std::make_unique<QApplication>(arguments.count(), arguments.values())),
-      keyboardNotices(std::make_unique<KeyboardNoticeFilter>(display)),
+      log(std::move(sink)),
       runLoop(std::make_unique<QtRunLoop>()),
       folders(sessionDirectories()),
       bundle(folders.resources, folders.configuration / "Info.json"),
-      windows(std::make_unique<DesktopWindowServer>(*runLoop, bundle)),
-      keys(std::make_unique<DesktopKeyboard>(display, *runLoop, postedKeys)),
-      applications(display, ApplicationNames(dataFolders(), preferredLocales()), postedKeys),
-      bar(display, bundle,
-          [this](const std::string& command) {
-              if (command == "terminate:")
-                  app.terminate();
-          }),
       autostart(folders.configuration.parent_path() / "autostart", folders.executable),
       defaults(folders.configuration / "defaults.json") {
     // A program without windows is running all the same.
     qt->setQuitOnLastWindowClosed(false);
+    keepOutOfSavedSessions(*qt);
     terminations.report([this] { endEventLoop(); });
     calls.report([this] { reopen(); });
-    watchedDisplay = &display;
-    qInstallMessageHandler(handleMessage);
 }
 
 DesktopHost::~DesktopHost() = default;
@@ -90,8 +75,7 @@ void DesktopHost::exit() {
     background.stop();
     if (backgroundThread.joinable())
         backgroundThread.join();
-    pasteboard.reset();
-    keys.reset();
+    leaveSession();
     std::fflush(nullptr);
     std::_Exit(0);
 }
@@ -106,7 +90,7 @@ void DesktopHost::runEventLoop() {
 void DesktopHost::startBackground() {
     backgroundThread = std::thread([this] { background.run(); });
     background.post(LoadedHTTPSession::prepare);
-    applications.readNames();
+    prepareRest();
 }
 
 void DesktopHost::endEventLoop() {
@@ -116,7 +100,12 @@ void DesktopHost::endEventLoop() {
 
 void DesktopHost::activate() {
     for (auto* window : openWindows())
-        bringToFront(display, static_cast<xcb_window_t>(window->winId()));
+        bringForward(*window);
+}
+
+void DesktopHost::perform(const std::string& command) {
+    if (command == "terminate:")
+        app.terminate();
 }
 
 void DesktopHost::reopen() {
@@ -126,12 +115,8 @@ void DesktopHost::reopen() {
         delegate->applicationDidReopen();
 }
 
-bool DesktopHost::isProcessTrusted() {
-    return trustObstacle(display) == nullptr;
-}
-
 bool DesktopHost::promptForTrust() {
-    const auto* obstacle = trustObstacle(display);
+    const auto* obstacle = trustObstacle();
     if (obstacle)
         alertWindows.tell({Alert::Style::warning, texts.text("trust.title"), texts.text(obstacle), {}});
     return !obstacle;

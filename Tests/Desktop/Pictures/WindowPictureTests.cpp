@@ -64,7 +64,7 @@ protected:
     QRect shape() const {
         QRect all;
         for (const auto& span : solidSpans(picture.image(), 128))
-            all |= QRect(span.x, span.y, span.width, span.height);
+            all |= span;
         return all.translated(picture.place().topLeft());
     }
 
@@ -114,7 +114,7 @@ TEST_F(WindowPictureTest, WithoutABackdropIsOpaqueAndHasNoShadow) {
 
     // Its shape is as wide as the window in the middle, and less at the top.
     EXPECT_EQ(shape(), QRect(100, 600 - 344, 200, 44));
-    EXPECT_LT(solidSpans(image, 128).front().width, 180);
+    EXPECT_LT(solidSpans(image, 128).front().width(), 180);
 }
 
 TEST_F(WindowPictureTest, PaintsOnlyWhatIsNewAndThatRight) {

@@ -1,6 +1,7 @@
 #include "Desktop/WidgetTest.h"
 #include "Platform/Desktop/Painting/SymbolDrawing.h"
 #include "Platform/Desktop/Tray/DesktopStatusItem.h"
+#include "Platform/Desktop/X11/Display/X11Panel.h"
 #include "Platform/Desktop/X11/Server/InputGrabs.h"
 
 #include <QKeyEvent>
@@ -62,7 +63,8 @@ std::shared_ptr<Menu> menuOf(std::vector<MenuItem> items) {
 
 TEST_F(StatusItemTest, ComesToALateTrayAndIsSeenOnWhateverColorThatHas) {
     const XConnection x;
-    DesktopStatusItem item(x, resources(), [](const std::string&) {});
+    X11Panel panel(x);
+    DesktopStatusItem item(panel, resources(), [](const std::string&) {});
     item.setImage({"character.bubble", "Lumarin"});
     item.setMenu(menuOf({quitItem()}));
     EXPECT_FALSE(item.isVisible());
@@ -87,7 +89,8 @@ TEST_F(StatusItemTest, ComesToALateTrayAndIsSeenOnWhateverColorThatHas) {
 
 TEST_F(StatusItemTest, OpensItsMenuOnceItCanBeClosedAgain) {
     const XConnection x;
-    DesktopStatusItem item(x, resources(), [](const std::string&) {});
+    X11Panel panel(x);
+    DesktopStatusItem item(panel, resources(), [](const std::string&) {});
     item.setMenu(menuOf({quitItem()}));
     // As a program that watches for a key, while the key is held.
     const XConnection other;

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QTimer>
+#include <QWindow>
 
 namespace platform::desktop {
 namespace {
@@ -32,7 +33,9 @@ protected:
     const Bundle bundle{LUMARIN_RESOURCES};
     Application application;
     const HostTexts texts{bundle, application};
-    DesktopAlerts alerts{x, texts, bundle};
+    DesktopAlerts alerts{
+        [this](QWindow& window) { bringToFront(x, static_cast<xcb_window_t>(window.winId())); }, texts,
+        bundle};
 };
 
 TEST_F(AlertTest, GivesThePlaceOfTheButtonThatWasChosen) {
@@ -86,12 +89,14 @@ TEST_F(AlertTest, EndsWithTheProgram) {
     EXPECT_EQ(QCoreApplication::exec(), 0);
 }
 
-TEST_F(AlertTest, TellsOnlyOnceAtATime) {
+TEST_F(AlertTest, TellsEachThingOnceAtATime) {
     for (int time = 0; time < 3; ++time)
-        alerts.tell({Alert::Style::warning, "Missing", "", {}});
+        for (const char* text : {"One", "Other"})
+            alerts.tell({Alert::Style::warning, "Missing", text, {}});
     EXPECT_EQ(std::ranges::count_if(QApplication::topLevelWidgets(),
                                     [](auto* window) { return dynamic_cast<AlertWindow*>(window); }),
-              1);
+              2);
+    windowOf<AlertWindow>()->close();
     windowOf<AlertWindow>()->close();
     EXPECT_TRUE(comesTrue([&] { return QApplication::topLevelWidgets().empty(); }));
 }

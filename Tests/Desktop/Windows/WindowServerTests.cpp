@@ -219,6 +219,27 @@ TEST_F(WindowServerTest, FollowsTheWindowThatHasTheKeyboardFromMonitorToMonitor)
     EXPECT_EQ(frame(), (Rect{800, 0, 480, 800}));
 }
 
+TEST_F(WindowServerTest, StaysOnItsMonitorAndLeavesOneThatGoes) {
+    run("xrandr --setmonitor left 800/200x600/150+0+0 none");
+    run("xrandr --setmonitor '*right' 480/120x800/200+800+0 screen");
+    const TestApplication writer("writer");
+    const auto move = [&](int left) {
+        run("xdotool windowmove --sync " + std::to_string(writer.window()) + ' ' + std::to_string(left)
+            + " 100");
+    };
+    const auto frame = [&] { return host.desktop().mainScreen().value().frame; };
+    move(100);
+    EXPECT_TRUE(comesTrue([&] { return frame() == Rect{0, 200, 800, 600}; }));
+    auto panel = showPill();
+    move(900);
+    EXPECT_EQ(frame(), (Rect{0, 200, 800, 600}));
+    // 156 points below the top of the one, 240 to the right of its middle.
+    run("xrandr --delmonitor left");
+    EXPECT_TRUE(comesTrue([&] { return panel->frame() == Rect{1180, 600, 200, 44}; }));
+    EXPECT_EQ(frame(), (Rect{800, 0, 480, 800}));
+    panel->orderOut();
+}
+
 class UsableAreaTest : public WidgetTest {};
 
 TEST_F(UsableAreaTest, IsFreeOfBarsThatNoWindowManagerManages) {

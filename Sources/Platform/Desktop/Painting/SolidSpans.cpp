@@ -4,8 +4,8 @@
 
 namespace platform::desktop {
 
-std::vector<xcb_rectangle_t> solidSpans(const QImage& picture, int density) {
-    std::vector<xcb_rectangle_t> result;
+std::vector<QRect> solidSpans(const QImage& picture, int density) {
+    std::vector<QRect> result;
     const auto isSolid = [&](QRgb pixel) { return qAlpha(pixel) >= density; };
     for (int y = 0; y < picture.height(); ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
@@ -15,12 +15,11 @@ std::vector<xcb_rectangle_t> solidSpans(const QImage& picture, int density) {
             continue;
         while (!isSolid(end[-1]))
             --end;
-        const xcb_rectangle_t span{static_cast<std::int16_t>(first - row), static_cast<std::int16_t>(y),
-                                   static_cast<std::uint16_t>(end - first), 1};
+        const QRect span(static_cast<int>(first - row), y, static_cast<int>(end - first), 1);
         // A row like the one above makes that one taller.
-        if (!result.empty() && result.back().x == span.x && result.back().width == span.width
-            && result.back().y + result.back().height == y)
-            ++result.back().height;
+        if (!result.empty() && result.back().x() == span.x() && result.back().width() == span.width()
+            && result.back().bottom() + 1 == y)
+            result.back().setBottom(y);
         else
             result.push_back(span);
     }

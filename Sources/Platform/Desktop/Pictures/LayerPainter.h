@@ -2,8 +2,8 @@
 
 #include "Platform/Desktop/Painting/Outline.h"
 #include "Platform/Desktop/Painting/TextPainter.h"
+#include "Platform/Desktop/Pictures/Backdrop.h"
 #include "Platform/Desktop/Pictures/ControlPainter.h"
-#include "Platform/Desktop/X11/Display/Compositor.h"
 #include "Platform/Kit/LayerPresentation.h"
 
 #include <deque>

@@ -8,15 +8,15 @@ namespace platform::desktop {
 class DesktopStatusBar : public StatusBar {
 public:
     // The drawings are the bundle's, Symbols/<name>.svg; `command` is told the commands chosen in menus.
-    DesktopStatusBar(const XConnection& display, const Bundle& drawings, NativeMenu::Command command)
-        : x(display), bundle(drawings), perform(std::move(command)) {}
+    DesktopStatusBar(Panel& desktopPanel, const Bundle& drawings, NativeMenu::Command command)
+        : panel(desktopPanel), bundle(drawings), perform(std::move(command)) {}
 
     std::unique_ptr<StatusItem> makeStatusItem() override {
-        return std::make_unique<DesktopStatusItem>(x, bundle, perform);
+        return std::make_unique<DesktopStatusItem>(panel, bundle, perform);
     }
 
 private:
-    const XConnection& x;
+    Panel& panel;
     const Bundle& bundle;
     const NativeMenu::Command perform;
 };

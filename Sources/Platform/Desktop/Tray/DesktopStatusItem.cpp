@@ -2,8 +2,6 @@
 
 #include "Platform/Desktop/Painting/SymbolDrawing.h"
 #include "Platform/Desktop/Tray/PanelColor.h"
-#include "Platform/Desktop/X11/Display/PanelEnd.h"
-#include "Platform/Desktop/X11/Server/InputGrabs.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -11,9 +9,8 @@
 
 namespace platform::desktop {
 
-DesktopStatusItem::DesktopStatusItem(const XConnection& display, const Bundle& drawings,
-                                     NativeMenu::Command command)
-    : x(display), bundle(drawings), menu(std::move(command)), tray(x, [this] { appear(); }) {
+DesktopStatusItem::DesktopStatusItem(Panel& desktopPanel, const Bundle& drawings, NativeMenu::Command command)
+    : panel(desktopPanel), bundle(drawings), menu(std::move(command)), tray(panel, [this] { appear(); }) {
     using namespace std::chrono_literals;
     secondLook.setSingleShot(true);
     secondLook.setInterval(400ms);
@@ -57,7 +54,7 @@ void DesktopStatusItem::appear() {
 void DesktopStatusItem::draw() {
     if (!icon)
         return;
-    const auto color = colorOnPanel(x, tray.classicTray(), icon->geometry());
+    const auto color = colorOnPanel(panel, icon->geometry());
     icon->setIcon(SymbolDrawing(bundle, symbol.name, color).icon());
     icon->setToolTip(QString::fromStdString(symbol.accessibilityDescription));
 }
@@ -66,7 +63,7 @@ void DesktopStatusItem::tryToOpen() {
     if (menu.isVisible())
         return;
     // Without the keyboard and the mouse, nothing would close it.
-    if (isInputFree(x))
+    if (panel.isInputFree())
         openMenu(false);
     else if (!patience.hasExpired())
         nextTry.start();
@@ -79,7 +76,7 @@ void DesktopStatusItem::openMenu(bool isClicked) {
 QPoint DesktopStatusItem::placeForMenu(bool isClicked) const {
     auto place = icon ? icon->geometry() : QRect();
     if (place.isEmpty() && icon && !isClicked)
-        place = endOfPanel(x);
+        place = panel.end();
     const auto* screen = QGuiApplication::screenAt(place.center());
     if (place.isEmpty() || !screen)
         return QCursor::pos();

@@ -15,7 +15,7 @@ namespace platform::desktop {
 // An icon in the desktop's tray, with a menu. Main thread.
 class DesktopStatusItem : public StatusItem {
 public:
-    DesktopStatusItem(const XConnection& x, const Bundle& drawings, NativeMenu::Command command);
+    DesktopStatusItem(Panel& panel, const Bundle& drawings, NativeMenu::Command command);
 
     void setImage(const Symbol& shown) override;
     void setMenu(std::shared_ptr<const Menu> changed) override { menu.change(std::move(changed)); }
@@ -29,7 +29,7 @@ private:
     void openMenu(bool isClicked);
     QPoint placeForMenu(bool isClicked) const;
 
-    const XConnection& x;
+    Panel& panel;
     const Bundle& bundle;
     Symbol symbol;
     NativeMenu menu;

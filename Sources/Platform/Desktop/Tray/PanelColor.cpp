@@ -1,9 +1,6 @@
 #include "Platform/Desktop/Tray/PanelColor.h"
 
-#include "Platform/Desktop/X11/Display/PanelEnd.h"
-
 #include <algorithm>
-#include <optional>
 
 #include <QGuiApplication>
 #include <QImage>
@@ -19,16 +16,6 @@ constexpr QRgb onDark = 0xFFF4F4F4;
 constexpr QRgb onLight = 0xFF2E2E2E;
 constexpr int middleGray = 128;
 
-// Four colours of three channels each, the one for ordinary icons first.
-std::optional<QColor> colorOfTray(const XConnection& x, xcb_window_t tray) {
-    const auto property = x.property(tray, x.atom("_NET_SYSTEM_TRAY_COLORS"));
-    const auto channels = property ? property->values() : std::vector<std::uint32_t>{};
-    if (channels.size() < 3)
-        return std::nullopt;
-    auto channel = [&](std::size_t index) { return int(std::min(channels[index] >> 8U, 255U)); };
-    return QColor(channel(0), channel(1), channel(2));
-}
-
 // Of most of what is seen there: drawings cover the smaller part of what they are drawn on.
 int medianGray(const QImage& picture) {
     std::vector<int> grays;
@@ -42,11 +29,11 @@ int medianGray(const QImage& picture) {
 
 } // namespace
 
-QColor colorOnPanel(const XConnection& x, xcb_window_t classicTray, const QRect& icon) {
-    if (!icon.isEmpty() && classicTray != XCB_NONE)
-        if (const auto color = colorOfTray(x, classicTray))
+QColor colorOnPanel(const Panel& panel, const QRect& icon) {
+    if (!icon.isEmpty() && panel.hasTray())
+        if (const auto color = panel.trayColor())
             return *color;
-    const auto seen = icon.isEmpty() ? endOfPanel(x) : icon;
+    const auto seen = icon.isEmpty() ? panel.end() : icon;
     auto background = QGuiApplication::palette().color(QPalette::Window);
     if (auto* screen = seen.isEmpty() ? nullptr : QGuiApplication::screenAt(seen.center())) {
         const auto corner = seen.topLeft() - screen->geometry().topLeft();

@@ -1,29 +1,34 @@
 #pragma once
 
-#include "Platform/Desktop/X11/Display/OwnerWatch.h"
+#include "Platform/Desktop/Tray/Panel.h"
 
 #include <QDBusServiceWatcher>
 #include <QTimer>
 
 namespace platform::desktop {
 
-// Whether the desktop shows icons of programs, in a classic tray or in a panel that asks for them over D-Bus.
-// Main thread.
+// Whether the desktop shows icons of programs, in a tray of the display's or in a panel that asks for them
+// over D-Bus. Main thread.
 class TrayWatch {
 public:
-    // `changed` is called after either came or went.
-    TrayWatch(const XConnection& x, std::function<void()> changed);
+    // `changed` is called after either came or went; soon also for a panel that is there already.
+    TrayWatch(Panel& panel, std::function<void()> changed);
+    ~TrayWatch();
+    TrayWatch(const TrayWatch&) = delete;
+    TrayWatch& operator=(const TrayWatch&) = delete;
 
-    bool isThere() const;
-
-    // The window of the classic tray, none if there is no such tray.
-    xcb_window_t classicTray() const { return classic.owner(); }
+    bool isThere() const { return panel.hasTray() || hasHost; }
 
 private:
+    void askForHost();
+
+    Panel& panel;
     // Started by whatever may be a change.
     QTimer report;
-    OwnerWatch classic;
-    QDBusServiceWatcher panels;
+    QDBusServiceWatcher watchers;
+    // Restarted rather than asked again for each of several changes at once.
+    QTimer question;
+    bool hasHost = false;
 };
 
 } // namespace platform::desktop

@@ -70,6 +70,11 @@ AlertWindow::AlertWindow(const Alert& alert, const std::string& agreement) {
     choices.front()->setFocus();
 }
 
+bool AlertWindow::says(const Alert& alert) const {
+    return text().toStdString() == alert.messageText
+           && informativeText().toStdString() == alert.informativeText;
+}
+
 std::size_t AlertWindow::choice() const {
     const auto chosen = std::ranges::find(choices, clickedButton());
     return chosen == choices.end() ? choices.size() - 1 : std::size_t(chosen - choices.begin());

@@ -12,6 +12,8 @@ public:
     // `agreement` is on the button of an alert that names none.
     AlertWindow(const Alert& alert, const std::string& agreement);
 
+    bool says(const Alert& alert) const;
+
     // The place of the button that was chosen, the last one's when the window was closed.
     std::size_t choice() const;
 

@@ -2,9 +2,11 @@
 
 #include "Platform/Desktop/Windows/ApplicationIcon.h"
 #include "Platform/Desktop/Windows/DesktopProgressWindow.h"
-#include "Platform/Desktop/X11/Server/ActiveWindow.h"
+
+#include <algorithm>
 
 #include <QEventLoop>
+#include <QWindow>
 
 namespace platform::desktop {
 
@@ -41,17 +43,20 @@ std::unique_ptr<ProgressWindow> DesktopAlerts::showProgress(const Alert& alert,
 }
 
 void DesktopAlerts::tell(const Alert& alert) {
-    if (!telling) {
-        telling = new AlertWindow(alert, texts.text(agreement));
-        telling->setAttribute(Qt::WA_DeleteOnClose);
+    std::erase_if(telling, [](const auto& closed) { return !closed; });
+    const auto open = std::ranges::find_if(telling, [&](const auto& window) { return window->says(alert); });
+    auto* window = open != telling.end() ? open->get() : new AlertWindow(alert, texts.text(agreement));
+    if (open == telling.end()) {
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        telling.emplace_back(window);
     }
-    showInFront(*telling);
+    showInFront(*window);
 }
 
 void DesktopAlerts::showInFront(QWidget& window) {
     window.setWindowIcon(applicationIcon(bundle));
     window.show();
-    bringToFront(x, static_cast<xcb_window_t>(window.winId()));
+    bringToFront(*window.windowHandle());
 }
 
 } // namespace platform::desktop

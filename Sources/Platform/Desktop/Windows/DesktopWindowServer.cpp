@@ -3,8 +3,7 @@
 #include "Platform/Kit/Window.h"
 
 #include <algorithm>
-
-#include <xcb/xfixes.h>
+#include <utility>
 
 namespace platform::desktop {
 namespace {
@@ -15,36 +14,43 @@ bool contains(const Rect& rect, const Point& point) {
     return point.x >= rect.x && point.x < rect.maxX() && point.y >= rect.y && point.y < rect.maxY();
 }
 
+// The monitor on which a window has its middle.
+const Monitor* monitorUnder(const Window& window, const std::vector<Monitor>& monitors) {
+    const auto frame = window.frame();
+    const auto found = std::ranges::find_if(monitors, [&](const Monitor& monitor) {
+        return contains(monitor.screen.frame, {frame.midX(), frame.midY()});
+    });
+    return found != monitors.end() ? &*found : nullptr;
+}
+
 } // namespace
 
-DesktopWindowServer::DesktopWindowServer(const RunLoop& runLoop, const Bundle& bundle)
-    : clock(runLoop),
-      drawings(bundle),
-      compositor(x,
-                 [this] {
-                     backdrop = compositor.backdrop();
-                     drawAllAnew();
-                 }),
-      stacking(x, [this] {
-          for (const auto& [window, display] : shown)
-              display.raise();
-      }) {
-    // The server refuses requests of a version that was not agreed on.
-    x.reply(xcb_xfixes_query_version_reply, xcb_xfixes_query_version(x, 2, 0));
+DesktopWindowServer::DesktopWindowServer(Display& shownOn, const RunLoop& runLoop, const Bundle& bundle)
+    : display(shownOn), clock(runLoop), drawings(bundle) {
+    display.onChange = [this] { displayChanged(); };
     timer.setSingleShot(true);
     timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer, &QTimer::timeout, [this] { drawFrame(); });
 }
 
+DesktopWindowServer::~DesktopWindowServer() {
+    display.onChange = nullptr;
+}
+
 std::optional<Screen> DesktopWindowServer::mainScreen() {
-    monitors = monitorsOf(x);
+    for (const auto& [window, surface] : shown)
+        // One that fades out is not looked at any more.
+        if (const auto* monitor = monitorUnder(*window, monitors); monitor && window->alphaValue() > 0)
+            return monitor->screen;
+    monitors = display.monitors();
     if (monitors.empty())
         return std::nullopt;
-    return mainMonitor(x, monitors).screen;
+    return display.mainMonitor(monitors).screen;
 }
 
 void DesktopWindowServer::orderFront(Window& window) {
-    monitors = monitorsOf(x);
+    if (monitors.empty())
+        monitors = display.monitors();
     if (contains(window.styleMask, Window::StyleMask::titled)) {
         auto& frame = titled[&window];
         if (!frame)
@@ -52,17 +58,15 @@ void DesktopWindowServer::orderFront(Window& window) {
         frame->raise();
         return;
     }
-    backdrop = compositor.backdrop();
-    const auto place = shown.try_emplace(&window, x, window, gridFor(window).scale.width).first;
+    backdrop = display.backdrop();
+    const auto place = shown.try_emplace(&window, display, window, gridFor(window).scale.width).first;
     requestFrame(place->second);
-    stacking.setWatching(true);
 }
 
 void DesktopWindowServer::orderOut(Window& window) {
     if (titled.erase(&window))
         return;
     shown.erase(&window);
-    stacking.setWatching(!shown.empty());
     scheduleFrame();
 }
 
@@ -78,9 +82,27 @@ void DesktopWindowServer::setNeedsDisplay(Window& window) {
         requestFrame(found->second);
 }
 
-void DesktopWindowServer::drawAllAnew() {
-    for (auto& [window, display] : shown)
-        requestFrame(display);
+void DesktopWindowServer::displayChanged() {
+    backdrop = display.backdrop();
+    const auto before = std::exchange(monitors, display.monitors());
+    leaveMonitorsThatWent(before);
+    for (auto& [window, surface] : shown)
+        requestFrame(surface);
+}
+
+// To the same place on the main monitor.
+void DesktopWindowServer::leaveMonitorsThatWent(const std::vector<Monitor>& before) {
+    if (monitors.empty())
+        return;
+    for (auto& [window, surface] : shown) {
+        const auto* left = monitorUnder(*window, before);
+        if (!left || monitorUnder(*window, monitors))
+            continue;
+        const auto& from = left->screen.visibleFrame;
+        const auto& to = display.mainMonitor(monitors).screen.visibleFrame;
+        const auto frame = window->frame();
+        window->setFrameOrigin({to.midX() + frame.x - from.midX(), to.maxY() + frame.y - from.maxY()});
+    }
 }
 
 void DesktopWindowServer::requestFrame(ShownWindow& window) {
@@ -93,9 +115,9 @@ void DesktopWindowServer::requestFrame(ShownWindow& window) {
 
 void DesktopWindowServer::scheduleFrame() {
     std::optional<Duration> next;
-    for (const auto& [window, display] : shown)
-        if (display.due && (!next || *display.due < *next))
-            next = display.due;
+    for (const auto& [window, surface] : shown)
+        if (surface.due && (!next || *surface.due < *next))
+            next = surface.due;
     if (!next)
         timer.stop();
     else
@@ -111,13 +133,13 @@ void DesktopWindowServer::drawFrame() {
     lastFrame += frameTime;
     if (now < lastFrame || now > lastFrame + frameTime / 2)
         lastFrame = now;
-    for (auto& [window, display] : shown) {
-        if (!display.due || *display.due > soon)
+    for (auto& [window, surface] : shown) {
+        if (!surface.due || *surface.due > soon)
             continue;
-        display.draw(now, gridFor(*window), backdrop);
-        display.due = window->nextChange(now);
-        if (display.due)
-            display.due = std::max(*display.due, lastFrame + frameTime);
+        surface.draw(now, gridFor(*window), backdrop);
+        surface.due = window->nextChange(now);
+        if (surface.due)
+            surface.due = std::max(*surface.due, lastFrame + frameTime);
     }
     scheduleFrame();
 }
@@ -125,17 +147,13 @@ void DesktopWindowServer::drawFrame() {
 const Monitor* DesktopWindowServer::monitorOf(const Window& window) const {
     if (monitors.empty())
         return nullptr;
-    const auto frame = window.frame();
-    const auto found = std::ranges::find_if(monitors, [&](const Monitor& monitor) {
-        return contains(monitor.screen.frame, {frame.midX(), frame.midY()});
-    });
-    return found != monitors.end() ? &*found : &monitors.front();
+    const auto* under = monitorUnder(window, monitors);
+    return under ? under : &monitors.front();
 }
 
 PixelGrid DesktopWindowServer::gridFor(const Window& window) const {
-    if (const auto* monitor = monitorOf(window))
-        return monitor->grid;
-    return {{1, 1}, {0, double(x.screen().height_in_pixels)}};
+    const auto* monitor = monitorOf(window);
+    return monitor ? monitor->grid : PixelGrid();
 }
 
 } // namespace platform::desktop

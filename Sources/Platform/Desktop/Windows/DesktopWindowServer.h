@@ -2,12 +2,9 @@
 
 #include "Platform/Desktop/Painting/MeasuredTexts.h"
 #include "Platform/Desktop/Painting/ThemeColors.h"
+#include "Platform/Desktop/Windows/Display.h"
 #include "Platform/Desktop/Windows/ShownWindow.h"
 #include "Platform/Desktop/Windows/TitledWindow.h"
-#include "Platform/Desktop/X11/Display/Compositor.h"
-#include "Platform/Desktop/X11/Display/EventDrain.h"
-#include "Platform/Desktop/X11/Display/Monitors.h"
-#include "Platform/Desktop/X11/Display/StackingWatch.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Kit/WindowServer.h"
 
@@ -17,14 +14,18 @@
 
 namespace platform::desktop {
 
-// Windows on an X display: those with a title as the desktop has them, the others above all, drawn sixty
+// The windows of a desktop: those with a title as the desktop has them, the others above all, drawn sixty
 // times a second while they move and not at all while they don't. Main thread, while Qt's application object
 // lives.
 class DesktopWindowServer : public WindowServer {
 public:
     // The drawings in windows are the bundle's.
-    DesktopWindowServer(const RunLoop& clock, const Bundle& bundle);
+    DesktopWindowServer(Display& display, const RunLoop& clock, const Bundle& bundle);
+    ~DesktopWindowServer() override;
+    DesktopWindowServer(const DesktopWindowServer&) = delete;
+    DesktopWindowServer& operator=(const DesktopWindowServer&) = delete;
 
+    // That of a window shown above all, for as long as there is one: it is not to jump from screen to screen.
     std::optional<Screen> mainScreen() override;
     void orderFront(Window& window) override;
     void orderOut(Window& window) override;
@@ -42,21 +43,19 @@ private:
         }
     };
 
-    void drawAllAnew();
+    void displayChanged();
+    void leaveMonitorsThatWent(const std::vector<Monitor>& before);
     void requestFrame(ShownWindow& window);
     void scheduleFrame();
     void drawFrame();
     const Monitor* monitorOf(const Window& window) const;
     PixelGrid gridFor(const Window& window) const;
 
+    Display& display;
     const RunLoop& clock;
     const Bundle& drawings;
-    XConnection x;
-    const EventDrain drain{x};
-    Compositor compositor;
-    StackingWatch stacking;
     Backdrop backdrop = Backdrop::none;
-    // As they were when they were last asked for.
+    // What is free of bars on them is of when the main screen was last looked for.
     std::vector<Monitor> monitors;
     std::map<Window*, ShownWindow> shown;
     // Those in a frame of the window manager's.

@@ -24,34 +24,36 @@ QImage faded(QImage image, double opacity) {
 
 } // namespace
 
-ShownWindow::ShownWindow(const XConnection& x, Window& shownWindow, double scale)
+ShownWindow::ShownWindow(Display& display, Window& shownWindow, double scale)
     : window(shownWindow),
-      surface(x, static_cast<int>(std::ceil(shownWindow.hasShadow ? shadowReach * scale : 0))) {}
+      surface(
+          display.makeSurface(static_cast<int>(std::ceil(shownWindow.hasShadow ? shadowReach * scale : 0)))) {
+}
 
 void ShownWindow::draw(Duration time, const PixelGrid& grid, Backdrop backdrop) {
     const auto shown = window.presentation(time);
     picture.paint(shown, window.hasShadow, grid, backdrop);
     const bool isFaded = std::exchange(opacity, shown.opacity) != shown.opacity;
     const auto changed = isFaded || shown.opacity < 1 ? picture.place() : picture.changed();
-    std::optional<std::vector<xcb_rectangle_t>> shape;
+    std::optional<std::vector<QRect>> shape;
     if (changed == picture.place()) {
         // Some compositors blur what is behind the whole of a translucent window: nothing is to be seen
         // beyond where the shadow ends for the eye.
         shape = spans(backdrop == Backdrop::none ? inside : visible);
         if (backdrop == Backdrop::blurred)
-            surface.setBlurredRegion(spans(inside));
+            surface->setBlurredRegion(spans(inside));
     }
     // Without a backdrop the shape alone says what is there, and pixels at the edge are the inside's.
     if (backdrop == Backdrop::none)
-        surface.show(picture.place(), picture.image().convertToFormat(QImage::Format_RGB32), changed, shape);
+        surface->show(picture.place(), picture.image().convertToFormat(QImage::Format_RGB32), changed, shape);
     else if (shown.opacity < 1)
-        surface.show(picture.place(), faded(picture.image(), shown.opacity), changed, shape);
+        surface->show(picture.place(), faded(picture.image(), shown.opacity), changed, shape);
     else
-        surface.show(picture.place(), picture.image(), changed, shape);
+        surface->show(picture.place(), picture.image(), changed, shape);
 }
 
-std::vector<xcb_rectangle_t> ShownWindow::spans(int density) const {
-    return opacity > 0 ? solidSpans(picture.image(), density) : std::vector<xcb_rectangle_t>();
+std::vector<QRect> ShownWindow::spans(int density) const {
+    return opacity > 0 ? solidSpans(picture.image(), density) : std::vector<QRect>();
 }
 
 } // namespace platform::desktop

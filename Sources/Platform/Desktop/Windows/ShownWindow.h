@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/Desktop/Pictures/WindowPicture.h"
-#include "Platform/Desktop/X11/Display/WindowSurface.h"
+#include "Platform/Desktop/Windows/Display.h"
 #include "Platform/Foundation/Executor.h"
 
 namespace platform {
@@ -13,21 +13,19 @@ namespace platform::desktop {
 // A window that is on the display. Main thread.
 class ShownWindow {
 public:
-    ShownWindow(const XConnection& x, Window& window, double scale);
+    ShownWindow(Display& display, Window& window, double scale);
 
     // Shows the window as it looks at the time, on the screen with that grid.
     void draw(Duration time, const PixelGrid& grid, Backdrop backdrop);
-
-    void raise() const { surface.raise(); }
 
     // When to draw it; nothing while it is at rest.
     std::optional<Duration> due;
 
 private:
-    std::vector<xcb_rectangle_t> spans(int density) const;
+    std::vector<QRect> spans(int density) const;
 
     Window& window;
-    WindowSurface surface;
+    const std::unique_ptr<Surface> surface;
     WindowPicture picture;
     double opacity = 0;
 };

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Platform/Desktop/Pictures/LayerPainter.h"
+#include "Platform/Desktop/Windows/Monitor.h"
 #include "Platform/Desktop/Windows/NativeControls.h"
-#include "Platform/Desktop/X11/Display/Monitors.h"
 #include "Platform/Foundation/RunLoop.h"
 #include "Platform/Kit/Window.h"
 

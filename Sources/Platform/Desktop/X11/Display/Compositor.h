@@ -1,11 +1,9 @@
 #pragma once
 
+#include "Platform/Desktop/Pictures/Backdrop.h"
 #include "Platform/Desktop/X11/Display/OwnerWatch.h"
 
 namespace platform::desktop {
-
-// How a window's translucent parts are shown: cut out, on what is behind, or on a blurred picture of that.
-enum class Backdrop { none, plain, blurred };
 
 // The program that puts windows together on the screen, which may come and go. Main thread.
 class Compositor {

@@ -1,18 +1,29 @@
 #include "Platform/Desktop/X11/Display/StackingWatch.h"
 
+#include "Platform/Desktop/X11/Display/WindowSurface.h"
+
 namespace platform::desktop {
 
-StackingWatch::StackingWatch(const XConnection& watched, std::function<void()> covered)
-    : ours(watched), report(std::move(covered)), events(xcb_get_file_descriptor(x), QSocketNotifier::Read) {
+StackingWatch::StackingWatch(const XConnection& watched)
+    : ours(watched), events(xcb_get_file_descriptor(x), QSocketNotifier::Read) {
     QObject::connect(&events, &QSocketNotifier::activated, [this] { readEvents(); });
 }
 
-void StackingWatch::setWatching(bool isWatching) {
-    if (isWatching == watching)
-        return;
-    watching = isWatching;
+void StackingWatch::add(const WindowSurface& surface) {
+    if (surfaces.empty())
+        listen(true);
+    surfaces.insert(&surface);
+}
+
+void StackingWatch::remove(const WindowSurface& surface) {
+    surfaces.erase(&surface);
+    if (surfaces.empty())
+        listen(false);
+}
+
+void StackingWatch::listen(bool isListening) {
     left = most;
-    const std::uint32_t mask = isWatching ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT;
+    const std::uint32_t mask = isListening ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT;
     xcb_change_window_attributes(x, x.root(), XCB_CW_EVENT_MASK, &mask);
     x.flush();
 }
@@ -30,9 +41,10 @@ void StackingWatch::readEvents() {
     // A display that is gone could be read from for ever.
     if (xcb_connection_has_error(x))
         events.setEnabled(false);
-    if (isCovered && watching && left > 0) {
+    if (isCovered && left > 0) {
         --left;
-        report();
+        for (const auto* surface : surfaces)
+            surface->raise();
     }
 }
 

@@ -2,34 +2,39 @@
 
 #include "Platform/Desktop/X11/Server/XConnection.h"
 
-#include <functional>
+#include <set>
 
 #include <QSocketNotifier>
 
 namespace platform::desktop {
 
-// Tells when another window may have come before one of a connection's. Asks for the news on a connection of
+class WindowSurface;
+
+// Raises surfaces when another window may have come before one of them. Asks for the news on a connection of
 // its own, so that nobody else's share of it changes. Main thread.
 class StackingWatch {
 public:
-    StackingWatch(const XConnection& watched, std::function<void()> covered);
+    // The surfaces are made on `watched`.
+    explicit StackingWatch(const XConnection& watched);
 
-    // While it is of use: every window that opens or moves is an event. Each time it begins anew it reports
-    // so many times at most: where another program insists on the front too, it gets it.
-    void setWatching(bool isWatching);
+    // Listens only while there are surfaces: every window that opens or moves is an event. Each time it
+    // begins anew it raises them so many times at most: where another program insists on the front too, it
+    // gets it.
+    void add(const WindowSurface& surface);
+    void remove(const WindowSurface& surface);
 
 private:
+    void listen(bool isListening);
     void readEvents();
     bool isOwn(xcb_window_t window) const;
 
     static constexpr int most = 20;
 
     const XConnection& ours;
-    const std::function<void()> report;
     const XConnection x;
     QSocketNotifier events;
-    bool watching = false;
-    // Reports.
+    std::set<const WindowSurface*> surfaces;
+    // How many times they may still be raised.
     int left = 0;
 };
 

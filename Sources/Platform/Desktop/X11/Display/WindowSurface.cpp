@@ -41,17 +41,26 @@ QImage::Format formatFor(std::uint8_t depth) {
 }
 
 void setShapeRegion(const XConnection& x, xcb_window_t window, std::uint8_t kind,
-                    const std::vector<xcb_rectangle_t>& shape) {
+                    const std::vector<QRect>& shape) {
+    std::vector<xcb_rectangle_t> rectangles;
+    for (const auto& part : shape)
+        rectangles.push_back({static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
+                              static_cast<std::uint16_t>(part.width()),
+                              static_cast<std::uint16_t>(part.height())});
     const auto region = xcb_generate_id(x);
-    xcb_xfixes_create_region(x, region, static_cast<std::uint32_t>(shape.size()), shape.data());
+    xcb_xfixes_create_region(x, region, static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
     xcb_xfixes_set_window_shape_region(x, window, kind, 0, 0, region);
     xcb_xfixes_destroy_region(x, region);
 }
 
 } // namespace
 
-WindowSurface::WindowSurface(const XConnection& display, int margin)
-    : x(display), window(xcb_generate_id(x)), context(xcb_generate_id(x)), colors(xcb_generate_id(x)) {
+WindowSurface::WindowSurface(const XConnection& display, StackingWatch& stackingWatch, int margin)
+    : x(display),
+      stacking(stackingWatch),
+      window(xcb_generate_id(x)),
+      context(xcb_generate_id(x)),
+      colors(xcb_generate_id(x)) {
     const auto visual = visualFor(x.screen());
     depth = visual.depth;
     xcb_create_colormap(x, XCB_COLORMAP_ALLOC_NONE, colors, x.root(), visual.identifier);
@@ -63,9 +72,11 @@ WindowSurface::WindowSurface(const XConnection& display, int margin)
     xcb_create_gc(x, context, window, 0, nullptr);
     setShapeRegion(x, window, inputShape, {});
     describe(margin);
+    stacking.add(*this);
 }
 
 WindowSurface::~WindowSurface() {
+    stacking.remove(*this);
     xcb_destroy_window(x, window);
     if (pixmap != XCB_NONE)
         xcb_free_pixmap(x, pixmap);
@@ -75,7 +86,7 @@ WindowSurface::~WindowSurface() {
 }
 
 void WindowSurface::show(const QRect& place, const QImage& image, const QRect& changed,
-                         const std::optional<std::vector<xcb_rectangle_t>>& shape) {
+                         const std::optional<std::vector<QRect>>& shape) {
     const bool isFirst = shown.isNull();
     const bool isResized = place.size() != shown.size();
     if (isResized) {
@@ -116,11 +127,11 @@ void WindowSurface::raise() const {
     x.flush();
 }
 
-void WindowSurface::setBlurredRegion(const std::vector<xcb_rectangle_t>& region) const {
+void WindowSurface::setBlurredRegion(const std::vector<QRect>& region) {
     std::vector<std::uint32_t> values;
-    for (const auto& [left, top, width, height] : region)
-        values.insert(values.end(),
-                      {static_cast<std::uint32_t>(left), static_cast<std::uint32_t>(top), width, height});
+    for (const auto& part : region)
+        for (const int value : {part.x(), part.y(), part.width(), part.height()})
+            values.push_back(static_cast<std::uint32_t>(value));
     x.setProperty(window, x.atom("_KDE_NET_WM_BLUR_BEHIND_REGION"), XCB_ATOM_CARDINAL, values);
 }
 

@@ -1,39 +1,32 @@
 #pragma once
 
-#include "Platform/Desktop/X11/Server/XConnection.h"
-
-#include <QImage>
-#include <QRect>
+#include "Platform/Desktop/Windows/Surface.h"
+#include "Platform/Desktop/X11/Display/StackingWatch.h"
 
 namespace platform::desktop {
 
-// A window of the X server that shows pixels: above all others, on every workspace, unknown to the window
-// manager, and nothing to the keyboard and the pointer, which reaches what is below. On the display for as
-// long as it lives. Main thread.
-class WindowSurface {
+// A surface on an X server, unknown to the window manager: what comes before it, it comes before again. Main
+// thread.
+class WindowSurface : public Surface {
 public:
-    // `margin` pixels on each side are shadow. Needs XFIXES 2.
-    WindowSurface(const XConnection& x, int margin);
-    ~WindowSurface();
+    // Needs XFIXES 2.
+    WindowSurface(const XConnection& x, StackingWatch& stacking, int margin);
+    ~WindowSurface() override;
     WindowSurface(const WindowSurface&) = delete;
     WindowSurface& operator=(const WindowSurface&) = delete;
 
-    // `image` lies at `place` and differs from what was shown in `changed`, both in pixels of the display; of
-    // it there is to be only `shape`, or the same as before. Comes up at the first time, in front.
     void show(const QRect& place, const QImage& image, const QRect& changed,
-              const std::optional<std::vector<xcb_rectangle_t>>& shape);
-
+              const std::optional<std::vector<QRect>>& shape) override;
+    void setBlurredRegion(const std::vector<QRect>& region) override;
     // Before all others.
     void raise() const;
-
-    // Where a compositor that can is to blur what is behind.
-    void setBlurredRegion(const std::vector<xcb_rectangle_t>& region) const;
 
 private:
     void describe(int margin) const;
     void put(const QImage& pixels, const QPoint& corner) const;
 
     const XConnection& x;
+    StackingWatch& stacking;
     xcb_window_t window = XCB_NONE;
     xcb_gcontext_t context = XCB_NONE;
     xcb_colormap_t colors = XCB_NONE;
