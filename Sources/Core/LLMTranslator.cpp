@@ -39,15 +39,18 @@ Task<void> warmUp(std::shared_ptr<platform::HTTPSession> session) {
 Task<TranslationError> serviceError(platform::HTTPAnswer& answer) {
     std::string body;
     try {
+        // Not by lines: one that never ends would take with it what has come of it.
         while (body.size() < enoughOfAnError) {
-            auto line = co_await answer.nextLine();
-            if (!line)
+            auto piece = co_await answer.nextPiece();
+            if (!piece)
                 break;
-            body += *line;
+            body += *piece;
         }
     } catch (const platform::HTTPError&) {
         // The status says more than why the rest of its text has not come.
     }
+    body = platform::text::repaired(body);
+    std::erase_if(body, [](char character) { return character == '\r' || character == '\n'; });
     co_return TranslationError::apiError("HTTP " + std::to_string(*answer.response.status) + ": "
                                          + platform::text::prefix(body, 200));
 }
