@@ -8,6 +8,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+
 namespace lumarin {
 
 using namespace std::chrono_literals;
@@ -33,6 +35,8 @@ platform::Task<std::string> FreeTranslator::translate(std::string text, TargetLa
         auto message = platform::text::isValid(bytes) ? bytes : "Unknown error";
         throw TranslationError::apiError(platform::text::prefix(message, 100));
     }
+    // The library takes a zero byte for the end of the text, but refuses any other control character.
+    std::ranges::replace(bytes, '\0', '\x01');
     auto result = nlohmann::json::parse(bytes);
     if (!result.is_object() || !result.contains("text") || !result["text"].is_string()
         || result["text"].get_ref<const std::string&>().empty())

@@ -20,8 +20,9 @@ std::string localizedDescription(const std::exception& error) {
         return own->errorDescription();
     if (const auto* transport = dynamic_cast<const platform::HTTPError*>(&error))
         return transport->description(sentence(transport->key()));
-    // The parser's own words are for programmers.
-    if (dynamic_cast<const nlohmann::json::parse_error*>(&error))
+    // The parser's own words are for programmers. A number too large for it is no parse_error.
+    if (dynamic_cast<const nlohmann::json::parse_error*>(&error)
+        || dynamic_cast<const nlohmann::json::out_of_range*>(&error))
         return sentence("The server's answer could not be read.");
     return error.what();
 }

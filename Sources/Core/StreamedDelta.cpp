@@ -14,6 +14,9 @@ std::optional<std::string_view> dataPayload(std::string_view line) {
 }
 
 std::optional<std::string> deltaContent(std::string_view payload) {
+    // The library takes a zero byte for the end of the text, and would not see what follows.
+    if (payload.find('\0') != std::string_view::npos)
+        return std::nullopt;
     auto event = nlohmann::json::parse(payload, nullptr, false);
     if (!event.is_object() || !event.contains("choices"))
         return std::nullopt;

@@ -94,10 +94,12 @@ TEST_F(Localization, TellsOfErrorsInTheLanguageOfTheInterface) {
     localization.setLanguage(Language::en);
     EXPECT_EQ(told(refused), refused.what());
     EXPECT_EQ(told(refusal), "The translation service reported a problem: HTTP 500: 100%@");
-    try {
-        FAIL() << nlohmann::json::parse("<html>");
-    } catch (const std::exception& error) {
-        EXPECT_EQ(told(error), "The server's answer could not be read.");
+    for (const char* answer : {"<html>", "1e999"}) {
+        try {
+            FAIL() << nlohmann::json::parse(answer);
+        } catch (const std::exception& error) {
+            EXPECT_EQ(told(error), "The server's answer could not be read.");
+        }
     }
 }
 

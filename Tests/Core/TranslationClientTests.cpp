@@ -8,6 +8,7 @@
 
 using namespace lumarin;
 using namespace tests;
+using namespace std::string_literals;
 using platform::headless::ScriptedAnswer;
 
 namespace {
@@ -66,6 +67,9 @@ TEST_F(TranslationClients, StreamReportsTheWholeTextSoFarAndSkipsWhatIsNoContent
         {"data: {\"choices\":[{\"delta\":{\"content\":\"\\ud83d\\ude00\"}}]}\r\ndata: [DONE]", "😀", {"😀"}},
         {"data: {\"choices\":[{\"delta\":{\"content\":\"a\xff\"}}]}\r", "a\uFFFD", {"a\uFFFD"}},
         {"data: " + std::string(200'000, '[') + "\n" + x, "X", {"X"}},
+        {choices("[{\"delta\":{\"content\":\"a\"}}],\"n\":1e999") + x, "X", {"X"}},
+        {"data: {\"choices\":[{\"delta\":{\"content\":\"a\"}}]}\0\n"s + x, "X", {"X"}},
+        {choices("[{\"delta\":{\"content\":\"a\\u0000\"}}]") + x, "a\0X"s, {"a\0"s, "a\0X"s}},
     };
     for (const auto& [body, result, reported] : cases) {
         EXPECT_EQ(stream(body), result) << body.substr(0, 100);
@@ -82,8 +86,12 @@ TEST_F(TranslationClients, ErrorsCarryTheBeginningOfTheAnswer) {
         expected += count < 200 ? "好" : "";
     }
     EXPECT_EQ(stream(body), "apiError(\"HTTP 500: " + expected + "\")");
-    EXPECT_EQ(stream("好\n" + std::string(2'000'000, 'x')), "apiError(\"HTTP 500: 好\")")
+    EXPECT_EQ(stream("好\n" + std::string(2'000'000, 'x')),
+              "apiError(\"HTTP 500: 好" + std::string(199, 'x') + "\")")
         << "an endless line";
+    answer.end = ScriptedAnswer::End::fail;
+    EXPECT_EQ(stream("over\r\nload\0\xff"s), "apiError(\"HTTP 500: overload \uFFFD\")") << "no last line end";
+    answer.end = ScriptedAnswer::End::complete;
 
     answer.status = 403;
     answer.pieces = {std::string(500, 'x')};
@@ -94,8 +102,14 @@ TEST_F(TranslationClients, ErrorsCarryTheBeginningOfTheAnswer) {
         answer = {.pieces = {nothing}};
         EXPECT_EQ(translateFree(), "emptyResponse") << nothing;
     }
-    answer = {.pieces = {"<html>"}};
-    EXPECT_THROW(finish(free.translate("hi", TargetLanguage::french)), nlohmann::json::parse_error);
+    for (const auto& unreadable : {"<html>"s, R"({"text": "hi", "score": 1e999})"s, "{\"text\": \"hi\"}\0{}"s,
+                                   "{\"text\": \"h\0i\"}"s}) {
+        answer = {.pieces = {unreadable}};
+        EXPECT_THROW(finish(free.translate("hi", TargetLanguage::french)), nlohmann::json::exception)
+            << unreadable;
+    }
+    answer = {.pieces = {R"({"text": "h\u0000i"})"}};
+    EXPECT_EQ(translateFree(), "h\0i"s);
 }
 
 TEST_F(TranslationClients, RequestsHoldWhatTheServiceExpects) {
