@@ -97,7 +97,7 @@ TEST(FileManager, LeavesEverythingAsItWasWhenAWriteFails) {
     EXPECT_EQ(entriesIn(folder.path()), 5U);
 }
 
-TEST(FileManager, RemovesTheTemporaryWhenTheDiskIsFull) {
+TEST(FileManager, LeavesNoPartBehindWhenTheDiskIsFull) {
     const TemporaryFolder folder;
     const auto file = folder.write("file", "old");
     const pid_t child = ::fork();
@@ -106,8 +106,11 @@ TEST(FileManager, RemovesTheTemporaryWhenTheDiskIsFull) {
         ::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{4096, 4096};
         ::setrlimit(RLIMIT_FSIZE, &limit);
+        const std::string tooMuch(1 << 20, 'x');
+        if (files::append(file, tooMuch) || !files::append(file, "er"))
+            ::_exit(1);
         try {
-            files::writeAtomically(file, std::string(1 << 20, 'x'));
+            files::writeAtomically(file, tooMuch);
             ::_exit(1);
         } catch (const std::system_error&) {
             ::_exit(0);
@@ -116,7 +119,7 @@ TEST(FileManager, RemovesTheTemporaryWhenTheDiskIsFull) {
     int status = -1;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(bytesOf(file), "old");
+    EXPECT_EQ(bytesOf(file), "older");
     EXPECT_EQ(entriesIn(folder.path()), 1U);
 }
 

@@ -4,8 +4,10 @@
 
 #include <cstdlib>
 #include <fcntl.h>
+#include <mutex>
 #include <sys/stat.h>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 namespace platform::files {
@@ -119,11 +121,20 @@ void writeAtomically(const std::filesystem::path& path, std::string_view bytes) 
 }
 
 bool append(const std::filesystem::path& path, std::string_view bytes) {
+    // No other thread's entry comes behind a part of this one before the part is taken back.
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
     const Descriptor file = open(path, O_WRONLY | O_CREAT | O_APPEND);
     if (!sizeOfRegularFile(file))
         return false;
     const ssize_t written = uninterrupted([&] { return ::write(file.number(), bytes.data(), bytes.size()); });
-    return written >= 0 && static_cast<std::size_t>(written) == bytes.size();
+    if (written >= 0 && static_cast<std::size_t>(written) == bytes.size())
+        return true;
+    // A full disk takes a part; another process may have found room behind it.
+    const off_t end = ::lseek(file.number(), 0, SEEK_CUR);
+    if (written > 0 && sizeOfRegularFile(file) == static_cast<std::size_t>(end))
+        std::ignore = ::ftruncate(file.number(), end - written);
+    return false;
 }
 
 bool replace(const std::filesystem::path& path, std::string_view bytes) {

@@ -35,7 +35,7 @@ std::optional<std::string> contents(const std::filesystem::path& path);
 void writeAtomically(const std::filesystem::path& path, std::string_view bytes);
 
 // Adds to the end of the file with a single write, so that entries of several threads and processes stay
-// whole. Creates the file, but not its folder. False on failure.
+// whole. Creates the file, but not its folder. False on failure; a part that was added is taken back.
 bool append(const std::filesystem::path& path, std::string_view bytes);
 
 // Writes the file anew in place. Creates the file, but not its folder. False on failure.
