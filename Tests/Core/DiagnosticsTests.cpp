@@ -1,4 +1,5 @@
 #include "Core/Diagnostics.h"
+#include "Core/Logger.h"
 #include "Support/HeadlessTest.h"
 
 #include <cstdlib>
@@ -100,4 +101,7 @@ TEST_F(Report, EndsWithTheLatestOfTheLog) {
              {"broken \xff", "(no debug.log found)\n"},
          })
         EXPECT_EQ(tailOf(log), expected);
+    tailOf("");
+    LumLog::log("from \xff");
+    EXPECT_TRUE(text().ends_with("Z] from \uFFFD\n")) << "in the encoding of another program";
 }
