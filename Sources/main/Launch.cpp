@@ -12,7 +12,10 @@ void beginLog() {
 }
 
 void runApp() {
-    platform::files::append(LumLog::logURL(), "runApp called\n");
+    // A log that has not begun does not begin in the middle.
+    std::error_code ignored;
+    if (std::filesystem::exists(LumLog::logURL(), ignored))
+        platform::files::append(LumLog::logURL(), "runApp called\n");
     auto& application = platform::Host::current().application();
     // The application refers to its delegate weakly.
     auto delegate = std::make_shared<AppDelegate>();
