@@ -16,8 +16,10 @@ enum class EventType : std::uint32_t {
 // A set of event types: the bit of a type's raw value.
 using EventMask = std::uint64_t;
 
+// Notices that a tap is off have no bit: they come whatever was asked for.
 constexpr EventMask maskOf(EventType type) {
-    return EventMask{1} << static_cast<std::uint32_t>(type);
+    const auto bit = static_cast<std::uint32_t>(type);
+    return bit < 64 ? EventMask{1} << bit : 0;
 }
 
 // Modifier keys, as bits of an event's flags.
