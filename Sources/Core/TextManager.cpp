@@ -16,10 +16,10 @@ constexpr platform::Duration keystrokeDelay = 50ms;
 constexpr platform::Duration retryDelay = 100ms;
 constexpr int maxRetries = 3;
 
-void postKey(int keyCode, std::uint64_t flags) {
+Task<void> postKey(int keyCode, std::uint64_t flags) {
     auto& keyboard = Host::current().keyboard();
-    keyboard.post({EventType::keyDown, keyCode, flags});
-    keyboard.post({EventType::keyUp, keyCode, flags});
+    co_await keyboard.post({EventType::keyDown, keyCode, flags});
+    co_await keyboard.post({EventType::keyUp, keyCode, flags});
 }
 
 } // namespace
@@ -59,7 +59,7 @@ Task<std::string> TextManager::copyFocusedText() {
     wasPartialSelection = !text.empty();
     if (wasPartialSelection)
         co_return text;
-    simulateKeyCombo(KeyCode::a, platform::flag::command);
+    co_await simulateKeyCombo(KeyCode::a, platform::flag::command);
     co_await platform::sleep(keystrokeDelay);
     for (int attempt = 0; attempt < maxRetries && text.empty(); ++attempt) {
         text = co_await copyAttempt();
@@ -67,7 +67,7 @@ Task<std::string> TextManager::copyFocusedText() {
             co_await platform::sleep(retryDelay);
     }
     // The selection collapses to the end of the text.
-    postKey(platform::key::rightArrow, 0);
+    co_await postKey(platform::key::rightArrow, 0);
     co_await platform::sleep(keystrokeDelay);
     co_return text;
 }
@@ -76,7 +76,7 @@ Task<std::string> TextManager::copyFocusedText() {
 Task<std::string> TextManager::copyAttempt() {
     auto& pasteboard = Host::current().generalPasteboard();
     co_await pasteboard.clearContents();
-    simulateKeyCombo(KeyCode::c, platform::flag::command);
+    co_await simulateKeyCombo(KeyCode::c, platform::flag::command);
     co_await platform::sleep(keystrokeDelay);
     auto copied = co_await pasteboard.string();
     co_return copied.value_or("");
@@ -84,18 +84,18 @@ Task<std::string> TextManager::copyAttempt() {
 
 Task<void> TextManager::pasteOver(std::string text) {
     if (!wasPartialSelection) {
-        simulateKeyCombo(KeyCode::a, platform::flag::command);
+        co_await simulateKeyCombo(KeyCode::a, platform::flag::command);
         co_await platform::sleep(keystrokeDelay);
     }
     auto& pasteboard = Host::current().generalPasteboard();
     co_await pasteboard.clearContents();
     co_await pasteboard.setString(std::move(text));
-    simulateKeyCombo(KeyCode::v, platform::flag::command);
+    co_await simulateKeyCombo(KeyCode::v, platform::flag::command);
     co_await platform::sleep(keystrokeDelay);
 }
 
-void TextManager::simulateKeyCombo(KeyCode key, std::uint64_t flags) {
-    postKey(static_cast<int>(key), flags);
+Task<void> TextManager::simulateKeyCombo(KeyCode key, std::uint64_t flags) {
+    return postKey(static_cast<int>(key), flags);
 }
 
 } // namespace lumarin

@@ -30,7 +30,7 @@ private:
     template <typename Work>
     platform::Task<void> keepingClipboard(Work work);
 
-    void simulateKeyCombo(KeyCode key, std::uint64_t flags);
+    platform::Task<void> simulateKeyCombo(KeyCode key, std::uint64_t flags);
 
     ClipboardGuard clipboardGuard;
     // The read found a selection, so the write replaces only that.

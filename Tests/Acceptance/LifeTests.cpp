@@ -1,6 +1,7 @@
 #include "Acceptance/AcceptanceTest.h"
 #include "Desktop/Windows.h"
 #include "Platform/Desktop/X11/Server/ActiveWindow.h"
+#include "Platform/Desktop/X11/Server/WindowClass.h"
 
 #include <csignal>
 

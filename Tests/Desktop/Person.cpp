@@ -39,6 +39,13 @@ void Person::strike(std::initializer_list<int> keys) const {
         release(key);
 }
 
+void Person::switchDevice(bool isOn) const {
+    const std::uint8_t value = isOn ? 1 : 0;
+    xcb_input_xi_change_property(x, device, XCB_PROP_MODE_REPLACE, 8, x.atom("Device Enabled"),
+                                 XCB_ATOM_INTEGER, 1, &value);
+    static_cast<void>(x.reply(xcb_get_input_focus_reply, xcb_get_input_focus(x)));
+}
+
 std::vector<int> Person::keysDown() const {
     std::vector<int> result;
     const auto answer = x.reply(xcb_query_keymap_reply, xcb_query_keymap(x));

@@ -47,6 +47,9 @@ public:
     // The modifier keys first.
     void strike(std::initializer_list<int> keys) const;
 
+    // Plugs the keyboard in or out, as far as the server can tell.
+    void switchDevice(bool isOn) const;
+
     // What is held on all keyboards.
     std::vector<int> keysDown() const;
 

@@ -1,6 +1,7 @@
 #include "Desktop/Windows.h"
 
 #include "Platform/Desktop/X11/Server/ActiveWindow.h"
+#include "Platform/Desktop/X11/Server/WindowClass.h"
 #include "Support/ComesTrue.h"
 
 namespace platform::desktop {

@@ -1,5 +1,11 @@
 #include "Platform/Desktop/DesktopWorkspace.h"
 
+#include "Platform/Desktop/Applications/ProgramName.h"
+#include "Platform/Desktop/X11/Server/ActiveWindow.h"
+#include "Platform/Desktop/X11/Server/WindowClass.h"
+
+#include <array>
+
 namespace platform::desktop {
 
 namespace {
@@ -17,7 +23,7 @@ std::optional<RunningApplication> DesktopWorkspace::frontmostApplication() {
     if (front == XCB_NONE)
         return std::nullopt;
     focus = focusedWindow(x);
-    auto process = processOf(x, front);
+    auto process = claimedProcessOf(x, front);
     return RunningApplication{identifierOf(front, process), nameOf(front, process)};
 }
 
@@ -25,7 +31,7 @@ void DesktopWorkspace::activate(const RunningApplication& application) {
     auto window = static_cast<xcb_window_t>(application.identifier);
     const bool isThere =
         x.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(x, window)) != nullptr
-        && identifierOf(window, processOf(x, window)) == application.identifier;
+        && identifierOf(window, claimedProcessOf(x, window)) == application.identifier;
     // What is meant for an application that has ended is for nobody.
     postedKeys.aim(isThere ? window : xcb_window_t{XCB_NONE});
     if (isThere && activeWindow(x) != window)
@@ -34,7 +40,7 @@ void DesktopWorkspace::activate(const RunningApplication& application) {
 
 std::optional<std::string> DesktopWorkspace::nameOf(xcb_window_t window, std::optional<pid_t> process) {
     auto windowClass = windowClassOf(x, window);
-    if (auto name = names.nameOf(windowClass))
+    if (auto name = names.nameOf(std::array{windowClass.name, windowClass.instance}))
         return name;
     if (!windowClass.name.empty())
         return windowClass.name;

@@ -3,6 +3,7 @@
 #include "Platform/Desktop/Applications/ApplicationNames.h"
 #include "Platform/Desktop/Session/FileReveal.h"
 #include "Platform/Desktop/Typing/PostedKeys.h"
+#include "Platform/Desktop/X11/Server/XConnection.h"
 #include "Platform/Input/Workspace.h"
 
 namespace platform::desktop {

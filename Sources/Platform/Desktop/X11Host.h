@@ -44,7 +44,7 @@ private:
     X11Display display;
     DesktopWindowServer windows{display, *runLoop, bundle};
     PostedKeys postedKeys;
-    std::optional<DesktopKeyboard> keys{std::in_place, x, *runLoop, postedKeys};
+    std::optional<DesktopKeyboard> keys{std::in_place, x, *runLoop, postedKeys, log};
     std::optional<DesktopPasteboard> pasteboard{std::in_place, postedKeys};
     DesktopWorkspace applications;
     X11Panel panel{x};

@@ -70,9 +70,9 @@ HeadlessKeyboard::addGlobalMonitor(EventMask events, std::function<void(const Ke
     return std::make_unique<Monitor>(*this, events, std::move(handler));
 }
 
-void HeadlessKeyboard::post(const KeyEvent& event) {
+Task<void> HeadlessKeyboard::post(KeyEvent event) {
     if (event.type != EventType::keyDown)
-        return;
+        co_return;
     posted.push_back(event);
     field.keyDown(event);
 }

@@ -30,7 +30,7 @@ public:
     std::unique_ptr<EventTap> createEventTap(EventMask events, EventTap::Callback callback) override;
     std::unique_ptr<EventMonitor> addGlobalMonitor(EventMask events,
                                                    std::function<void(const KeyEvent&)> handler) override;
-    void post(const KeyEvent& event) override;
+    Task<void> post(KeyEvent event) override;
 
 private:
     class Tap;

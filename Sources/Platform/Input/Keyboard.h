@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Foundation/RunLoop.h"
+#include "Platform/Foundation/Task.h"
 #include "Platform/Input/KeyEvent.h"
 
 #include <functional>
@@ -45,9 +46,10 @@ public:
     virtual std::unique_ptr<EventMonitor> addGlobalMonitor(EventMask events,
                                                            std::function<void(const KeyEvent&)> handler) = 0;
 
-    // Types on the user's behalf, with exactly the event's modifiers whatever the user holds. An event that
-    // cannot be made is skipped.
-    virtual void post(const KeyEvent& event) = 0;
+    // Types on the user's behalf, with exactly the event's modifiers whatever the user holds. Done once it is
+    // typed; may wait, within a bound, for the application to come to the front, without blocking the thread
+    // or being interrupted by a cancellation. An event that cannot be made is skipped.
+    virtual Task<void> post(KeyEvent event) = 0;
 };
 
 } // namespace platform

@@ -14,13 +14,13 @@ bool isSame(const std::string& one, const std::string& other) {
     return !one.empty() && strcasecmp(one.c_str(), other.c_str()) == 0;
 }
 
-bool isNameOf(const WindowClass& windowClass, const std::string& name) {
-    return isSame(windowClass.name, name) || isSame(windowClass.instance, name);
+bool isAmong(std::span<const std::string> identifiers, const std::string& name) {
+    return std::ranges::any_of(identifiers, [&](const auto& identifier) { return isSame(identifier, name); });
 }
 
 // Files are called after their applications, many by a name with the maker's domain: org.xfce.mousepad.
-bool isCalledAfter(const WindowClass& windowClass, const std::string& fileName) {
-    return isNameOf(windowClass, fileName) || isNameOf(windowClass, fileName.substr(fileName.rfind('.') + 1));
+bool isCalledAfter(std::span<const std::string> identifiers, const std::string& fileName) {
+    return isAmong(identifiers, fileName) || isAmong(identifiers, fileName.substr(fileName.rfind('.') + 1));
 }
 
 } // namespace
@@ -29,15 +29,15 @@ void ApplicationNames::read() {
     applications = std::async(std::launch::async, applicationsIn, folders, locales);
 }
 
-std::optional<std::string> ApplicationNames::nameOf(const WindowClass& windowClass) const {
+std::optional<std::string> ApplicationNames::nameOf(std::span<const std::string> identifiers) const {
     if (!applications.valid() || applications.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
         return std::nullopt;
     const auto& known = applications.get();
     auto found = std::ranges::find_if(
-        known, [&](const Application& one) { return isNameOf(windowClass, one.windowClass); });
+        known, [&](const Application& one) { return isAmong(identifiers, one.windowClass); });
     if (found == known.end())
         found = std::ranges::find_if(
-            known, [&](const Application& one) { return isCalledAfter(windowClass, one.fileName); });
+            known, [&](const Application& one) { return isCalledAfter(identifiers, one.fileName); });
     return found == known.end() ? std::nullopt : found->name;
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "Platform/Desktop/X11/Server/ActiveWindow.h"
-
 #include <filesystem>
 #include <future>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
 
 namespace platform::desktop {
 
@@ -17,9 +19,9 @@ public:
     // Reads the files, in the background.
     void read();
 
-    // The name of the application whose windows are of that class, if the desktop has a file about it and
-    // that has been read.
-    std::optional<std::string> nameOf(const WindowClass& windowClass) const;
+    // The name of the application that goes by one of these where its windows or programs are told apart, if
+    // the desktop has a file about it and that has been read.
+    std::optional<std::string> nameOf(std::span<const std::string> identifiers) const;
 
 private:
     struct Application {

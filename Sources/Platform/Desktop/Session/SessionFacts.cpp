@@ -8,8 +8,6 @@
 #include <sstream>
 #include <string_view>
 
-#include <xcb/xinput.h>
-
 namespace platform::desktop {
 
 namespace {
@@ -141,24 +139,6 @@ Directories sessionDirectories() {
     result.executable = std::filesystem::read_symlink("/proc/self/exe", error);
     result.resources = resourcesOf(result.executable);
     return result;
-}
-
-bool isWaylandSession(const XConnection& x) {
-    if (environment("XDG_SESSION_TYPE") == "wayland")
-        return true;
-    // A display inside a Wayland session has devices that say so.
-    auto devices =
-        x.reply(xcb_input_xi_query_device_reply, xcb_input_xi_query_device(x, XCB_INPUT_DEVICE_ALL));
-    if (!devices)
-        return false;
-    for (auto device = xcb_input_xi_query_device_infos_iterator(devices.get()); device.rem > 0;
-         xcb_input_xi_device_info_next(&device)) {
-        std::string_view name(xcb_input_xi_device_info_name(device.data),
-                              static_cast<std::size_t>(xcb_input_xi_device_info_name_length(device.data)));
-        if (name.starts_with("xwayland-"))
-            return true;
-    }
-    return false;
 }
 
 } // namespace platform::desktop

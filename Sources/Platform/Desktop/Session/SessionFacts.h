@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Platform/Desktop/X11/Server/XConnection.h"
 #include "Platform/Foundation/Directories.h"
 
 #include <filesystem>
@@ -21,9 +20,5 @@ std::vector<std::string> preferredLanguageTags();
 std::vector<std::filesystem::path> dataFolders();
 
 Directories sessionDirectories();
-
-// Whether the display is the inner one of a Wayland session, where keys of other applications are out of
-// reach.
-bool isWaylandSession(const XConnection& x);
 
 } // namespace platform::desktop

@@ -3,7 +3,9 @@
 #include "Desktop/Windows.h"
 #include "Platform/Desktop/DesktopWorkspace.h"
 #include "Platform/Desktop/X11/Keys/DesktopKeyboard.h"
+#include "Platform/Desktop/X11/Server/ActiveWindow.h"
 #include "Platform/Foundation/ThreadRunLoop.h"
+#include "Support/RunToEnd.h"
 
 #include <algorithm>
 #include <array>
@@ -77,8 +79,8 @@ protected:
     }
 
     void post(int code, std::uint64_t flags = 0) {
-        keyboard.post({EventType::keyDown, code, flags});
-        keyboard.post({EventType::keyUp, code, flags});
+        for (const auto type : {EventType::keyDown, EventType::keyUp})
+            tests::runToEnd(loop.runLoop(), keyboard.post({type, code, flags}));
     }
 
     // What the application sees of Command with a key.
@@ -94,7 +96,9 @@ protected:
     WorkerThread loop;
     XConnection x;
     PostedKeys postedKeys;
-    DesktopKeyboard keyboard{x, loop.runLoop(), postedKeys};
+    std::promise<std::string> logged;
+    DesktopKeyboard keyboard{x, loop.runLoop(), postedKeys,
+                             [this](std::string_view entry) { logged.set_value(std::string(entry)); }};
     std::unique_ptr<EventTap> tap;
     std::unique_ptr<RunLoopSource> source;
 };
@@ -290,8 +294,60 @@ TEST_F(Keyboard, GivesNoTapWhileAnotherProgramHasTheKey) {
     EXPECT_TRUE(makeTap(keyboard));
     startTap();
     XConnection other;
-    DesktopKeyboard second(other, loop.runLoop(), postedKeys);
+    DesktopKeyboard second(other, loop.runLoop(), postedKeys, {});
     EXPECT_FALSE(makeTap(second));
+}
+
+TEST_F(Keyboard, TakesTheKeyOfANewMapOnceAnotherProgramLetsItGo) {
+    startTap();
+    const XConnection owner;
+    owner.errorOf(xcb_grab_key_checked(owner, 0, owner.root(), XCB_MOD_MASK_ANY, Key::f12,
+                                       XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+    run("xmodmap -e 'keycode " + std::to_string(Key::f12) + " = XF86Fn'");
+    EXPECT_TRUE(logged.get_future().get().starts_with("[Keyboard] Another program has the key"));
+    owner.errorOf(xcb_ungrab_key_checked(owner, Key::f12, owner.root(), XCB_MOD_MASK_ANY));
+    EXPECT_TRUE(comesTrue([&] {
+        user.strike({Key::f12});
+        return tapped.get().starts_with("down up ");
+    }));
+}
+
+// As by a switch to another console, or by unplugging it. What was read is not to be pasted anywhere.
+TEST_F(Keyboard, AbandonsAHoldWhoseKeyboardGoes) {
+    startTap();
+    const auto monitor = [this] {
+        return keyboard.addGlobalMonitor(maskOf(EventType::keyDown),
+                                         [this](const KeyEvent& event) { tapped.add(event); });
+    };
+    const auto switchKeyboard = [&](bool isOn) { user.switchDevice(isOn); };
+    user.press(Key::rightControl);
+    ASSERT_TRUE(tapped.becomes("down "));
+    auto listening = monitor();
+    switchKeyboard(false);
+    std::string expected = "down key 53 up ";
+    EXPECT_TRUE(tapped.becomes(expected));
+    listening = nullptr;
+    switchKeyboard(true);
+
+    // While nobody listens for Escape yet, it comes to who does first.
+    user.strike({Key::rightControl});
+    EXPECT_TRUE(tapped.becomes(expected += "down up "));
+    user.press(Key::rightControl);
+    ASSERT_TRUE(tapped.becomes(expected += "down "));
+    switchKeyboard(false);
+    switchKeyboard(true);
+    std::this_thread::sleep_for(20ms);
+    EXPECT_EQ(tapped.get(), expected);
+    listening = monitor();
+    EXPECT_TRUE(tapped.becomes(expected += "key 53 up "));
+    listening = nullptr;
+
+    // Nobody ever did: the key works all the same.
+    user.press(Key::rightControl);
+    switchKeyboard(false);
+    switchKeyboard(true);
+    user.strike({Key::rightControl});
+    EXPECT_TRUE(tapped.becomes(expected += "down up down up "));
 }
 
 TEST_F(Keyboard, MonitorsTheUsersKeysAndNotItsOwn) {

@@ -1,5 +1,6 @@
 #include "Platform/Desktop/X11/Keys/DesktopKeyboard.h"
 
+#include "Platform/Desktop/X11/Keys/ServerKeyMap.h"
 #include "Platform/Desktop/X11/Keys/TrustObstacle.h"
 
 #include <atomic>
@@ -111,9 +112,11 @@ DesktopKeyboard::addGlobalMonitor(EventMask events, std::function<void(const Key
     return std::make_unique<KeyDownMonitor>(watch, mainLoop, events, std::move(handler));
 }
 
-void DesktopKeyboard::post(const KeyEvent& event) {
-    if (auto map = watch.keyMap())
-        poster.post(event, *map);
+// The whole combination is typed with its key-down event; the key-up event adds nothing.
+Task<void> DesktopKeyboard::post(KeyEvent event) {
+    co_await ignoreCancellation();
+    if (auto map = event.type == EventType::keyDown ? watch.keyMap() : nullptr)
+        co_await poster.type(event, map, currentGroup(display));
 }
 
 } // namespace platform::desktop

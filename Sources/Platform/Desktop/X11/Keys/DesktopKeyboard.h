@@ -9,18 +9,18 @@ namespace platform::desktop {
 // The keys of an X11 session. Fn is the key of that name, or else Right Control; Command is Control.
 class DesktopKeyboard : public Keyboard {
 public:
-    // `mainRunLoop` is where monitors are called.
-    DesktopKeyboard(const XConnection& x, RunLoop& mainRunLoop, PostedKeys& postedKeys)
+    // `mainRunLoop` is where monitors are called. A key that is lost to another program is logged.
+    DesktopKeyboard(const XConnection& x, RunLoop& mainRunLoop, PostedKeys& postedKeys, LogSink log)
         : display(x),
           mainLoop(mainRunLoop),
           injector(keyEvents, x),
-          watch(keyEvents, injector),
+          watch(keyEvents, injector, std::move(log)),
           poster(x, injector, postedKeys) {}
 
     std::unique_ptr<EventTap> createEventTap(EventMask events, EventTap::Callback callback) override;
     std::unique_ptr<EventMonitor> addGlobalMonitor(EventMask events,
                                                    std::function<void(const KeyEvent&)> handler) override;
-    void post(const KeyEvent& event) override;
+    Task<void> post(KeyEvent event) override;
 
 private:
     const XConnection& display;

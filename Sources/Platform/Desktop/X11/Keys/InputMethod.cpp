@@ -1,6 +1,6 @@
 #include "Platform/Desktop/X11/Keys/InputMethod.h"
 
-#include "Platform/Desktop/X11/Server/ActiveWindow.h"
+#include "Platform/Desktop/X11/Server/WindowClass.h"
 
 #include <span>
 #include <vector>

@@ -1,8 +1,9 @@
 #include "Platform/Desktop/X11/Keys/KeyPoster.h"
 
+#include "Platform/Desktop/Applications/ProgramName.h"
 #include "Platform/Desktop/X11/Keys/InputMethod.h"
-
-#include <thread>
+#include "Platform/Desktop/X11/Server/ActiveWindow.h"
+#include "Platform/Foundation/Sleep.h"
 
 namespace platform::desktop {
 
@@ -24,33 +25,31 @@ ClipboardEffect effectOf(const KeyEvent& event) {
 
 } // namespace
 
-void KeyPoster::post(const KeyEvent& event, const KeyMap& map) {
-    if (event.type != EventType::keyDown)
-        return;
-    auto window = receivingWindow();
+Task<void> KeyPoster::type(KeyEvent event, std::shared_ptr<const KeyMap> map, std::uint32_t group) {
+    auto window = co_await receivingWindow();
     if (!window)
-        return;
+        co_return;
     auto terminal = terminalKeysOf(*window);
-    auto chord = terminal ? chordInTerminal(*terminal, event, map) : chordFor(event, map);
+    auto chord = terminal ? chordInTerminal(*terminal, event, *map, group) : chordFor(event, *map, group);
     if (!chord)
-        return;
+        co_return;
     // First: the application may answer before the call below returns.
     postedKeys.record(effectOf(event), *window);
-    injector.type(chord->key, chord->modifiers, map);
+    injector.type(chord->key, chord->modifiers, *map);
     postedKeys.reportTyped();
 }
 
 // Another window's text would be overwritten.
-std::optional<xcb_window_t> KeyPoster::receivingWindow() const {
+Task<std::optional<xcb_window_t>> KeyPoster::receivingWindow() const {
     const auto target = postedKeys.target();
     auto window = activeWindow(x);
     while (target && window != target->window) {
         if (std::chrono::steady_clock::now() >= target->time + activationLimit)
-            return std::nullopt;
-        std::this_thread::sleep_for(lookAgainAfter);
+            co_return std::nullopt;
+        co_await sleep(lookAgainAfter);
         window = activeWindow(x);
     }
-    return window;
+    co_return window;
 }
 
 std::optional<TerminalKeys> KeyPoster::terminalKeysOf(xcb_window_t window) {
@@ -59,21 +58,22 @@ std::optional<TerminalKeys> KeyPoster::terminalKeysOf(xcb_window_t window) {
     auto windowClass = windowClassOf(x, window);
     std::lock_guard lock(mutex);
     if (!last || last->window != window || last->windowClass != windowClass)
-        last = FrontWindow{window, windowClass, desktop::terminalKeysOf(namesOf(window, windowClass))};
+        last = LastWindow{window, windowClass, desktop::terminalKeysOf(namesOf(window, windowClass))};
     return last->terminal;
 }
 
 std::vector<std::string> KeyPoster::namesOf(xcb_window_t window, const WindowClass& windowClass) const {
     std::vector<std::string> names{windowClass.name, windowClass.instance};
-    if (auto process = processOf(x, window)) {
+    if (auto process = claimedProcessOf(x, window)) {
         if (auto program = programOf(*process))
             names.push_back(*program);
     }
     return names;
 }
 
-std::optional<KeyPoster::Chord> KeyPoster::chordFor(const KeyEvent& event, const KeyMap& map) const {
-    auto code = map.keyFor(event.keyCode, map.currentGroup());
+std::optional<KeyPoster::Chord> KeyPoster::chordFor(const KeyEvent& event, const KeyMap& map,
+                                                    std::uint32_t group) const {
+    auto code = map.keyFor(event.keyCode, group);
     if (!code)
         return std::nullopt;
     if ((event.flags & flag::command) == 0) {
@@ -88,7 +88,7 @@ std::optional<KeyPoster::Chord> KeyPoster::chordFor(const KeyEvent& event, const
 }
 
 std::optional<KeyPoster::Chord> KeyPoster::chordInTerminal(TerminalKeys keys, const KeyEvent& event,
-                                                           const KeyMap& map) const {
+                                                           const KeyMap& map, std::uint32_t group) const {
     auto effect = effectOf(event);
     if (effect == ClipboardEffect::none || keys == TerminalKeys::none || !map.controlKey() || !map.shiftKey())
         return std::nullopt;
@@ -99,7 +99,7 @@ std::optional<KeyPoster::Chord> KeyPoster::chordInTerminal(TerminalKeys keys, co
             return std::nullopt;
         return Chord{*map.insertKey(), effect == ClipboardEffect::copy ? control : controlShift};
     }
-    auto code = map.keyFor(event.keyCode, map.currentGroup());
+    auto code = map.keyFor(event.keyCode, group);
     return code ? std::optional(Chord{*code, controlShift}) : std::nullopt;
 }
 

@@ -3,7 +3,8 @@
 #include "Platform/Desktop/Typing/PostedKeys.h"
 #include "Platform/Desktop/Typing/TerminalKeys.h"
 #include "Platform/Desktop/X11/Keys/KeyInjector.h"
-#include "Platform/Desktop/X11/Server/ActiveWindow.h"
+#include "Platform/Desktop/X11/Server/WindowClass.h"
+#include "Platform/Foundation/Task.h"
 #include "Platform/Input/KeyEvent.h"
 
 namespace platform::desktop {
@@ -14,10 +15,10 @@ public:
     KeyPoster(const XConnection& display, KeyInjector& keyInjector, PostedKeys& record)
         : x(display), injector(keyInjector), postedKeys(record) {}
 
-    // A combination is typed as a whole with its key-down event, so that it is never left half-way; the
-    // key-up event adds nothing. What could interrupt a terminal's program is skipped, and what is meant for
-    // a window that doesn't get the keyboard soon.
-    void post(const KeyEvent& event, const KeyMap& map);
+    // Types a combination as a whole, so that it is never left half-way, with the layout that is chosen. What
+    // could interrupt a terminal's program is skipped, and what is meant for a window that doesn't get the
+    // keyboard soon.
+    Task<void> type(KeyEvent event, std::shared_ptr<const KeyMap> map, std::uint32_t group);
 
 private:
     struct Chord {
@@ -26,23 +27,24 @@ private:
     };
 
     // What is known of the window that had the keyboard last. Its number alone may be another one's by now.
-    struct FrontWindow {
+    struct LastWindow {
         xcb_window_t window;
         WindowClass windowClass;
         std::optional<TerminalKeys> terminal;
     };
 
-    std::optional<xcb_window_t> receivingWindow() const;
+    Task<std::optional<xcb_window_t>> receivingWindow() const;
     std::optional<TerminalKeys> terminalKeysOf(xcb_window_t window);
     std::vector<std::string> namesOf(xcb_window_t window, const WindowClass& windowClass) const;
-    std::optional<Chord> chordFor(const KeyEvent& event, const KeyMap& map) const;
-    std::optional<Chord> chordInTerminal(TerminalKeys keys, const KeyEvent& event, const KeyMap& map) const;
+    std::optional<Chord> chordFor(const KeyEvent& event, const KeyMap& map, std::uint32_t group) const;
+    std::optional<Chord> chordInTerminal(TerminalKeys keys, const KeyEvent& event, const KeyMap& map,
+                                         std::uint32_t group) const;
 
     const XConnection& x;
     KeyInjector& injector;
     PostedKeys& postedKeys;
     std::mutex mutex;
-    std::optional<FrontWindow> last;
+    std::optional<LastWindow> last;
 };
 
 } // namespace platform::desktop

@@ -1,9 +1,10 @@
 #include "Platform/Desktop/X11/Keys/KeyWatch.h"
 
+#include "Platform/Desktop/X11/Keys/ServerKeyMap.h"
+#include "Platform/Desktop/X11/Keys/TrustObstacle.h"
+
 #include <algorithm>
 #include <array>
-
-#include <xcb/xtest.h>
 
 namespace platform::desktop {
 
@@ -19,23 +20,17 @@ constexpr xcb_atom_t endMessage = XCB_ATOM_INTEGER;
 
 } // namespace
 
-bool KeyWatch::isPossible(const XConnection& x) {
-    const auto* typing = xcb_get_extension_data(x, &xcb_test_id);
-    const auto* input = xcb_get_extension_data(x, &xcb_input_id);
-    if (!typing || !typing->present || !input || !input->present)
-        return false;
-    // Before 2.1 raw events stay away while any program has grabbed the keyboard.
-    auto version = x.reply(xcb_input_xi_query_version_reply, xcb_input_xi_query_version(x, 2, 2));
-    return version
-           && (version->major_version > 2 || (version->major_version == 2 && version->minor_version >= 1));
-}
-
-KeyWatch::KeyWatch(const XConnection& events, KeyInjector& account)
-    : x(events), injector(account), mailbox(events.makeHiddenWindow()), spareKeys(mapDisplay) {
-    if (!isPossible(x))
+KeyWatch::KeyWatch(const XConnection& events, KeyInjector& account, LogSink sink)
+    : x(events),
+      injector(account),
+      log(std::move(sink)),
+      mailbox(events.makeHiddenWindow()),
+      spareKeys(mapDisplay) {
+    // Nor is the keyboard's map touched.
+    if (trustObstacle(x))
         return;
     inputExtension = xcb_get_extension_data(x, &xcb_input_id)->major_opcode;
-    map = readKeyMap();
+    map = readServerMap();
     thread = std::thread([this] { run(); });
 }
 
@@ -79,9 +74,12 @@ void KeyWatch::ungrabFunctionKey() {
 }
 
 void KeyWatch::addMonitor(const std::shared_ptr<const Listener>& listener) {
-    std::lock_guard lock(mutex);
-    monitors.push_back(listener);
-    chooseRawEvents();
+    {
+        std::lock_guard lock(mutex);
+        monitors.push_back(listener);
+        chooseRawEvents();
+    }
+    endLostHold();
 }
 
 void KeyWatch::removeMonitor(const std::shared_ptr<const Listener>& listener) {
@@ -115,9 +113,11 @@ void KeyWatch::handle(const xcb_generic_event_t& event) {
         handleGrabbedRelease(event.pad0, event.full_sequence);
     } else if (type == XCB_GE_GENERIC) {
         const auto& input = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
-        bool isRawKey =
-            input.event_type == XCB_INPUT_RAW_KEY_PRESS || input.event_type == XCB_INPUT_RAW_KEY_RELEASE;
-        if (input.extension == inputExtension && isRawKey)
+        if (input.extension != inputExtension)
+            return;
+        if (input.event_type == XCB_INPUT_HIERARCHY)
+            handleDevices(reinterpret_cast<const xcb_input_hierarchy_event_t&>(event));
+        else if (input.event_type == XCB_INPUT_RAW_KEY_PRESS || input.event_type == XCB_INPUT_RAW_KEY_RELEASE)
             handleRawKey(input);
     } else if (type == XCB_MAPPING_NOTIFY) {
         keyMapChanged();
@@ -141,13 +141,9 @@ void KeyWatch::handleGrabbedPress(KeyCode code, std::uint32_t sequence) {
     if (held)
         return;
     held = Held{code, pressingDevice};
-    std::shared_ptr<const Listener> listener;
-    {
-        std::lock_guard lock(mutex);
-        listener = tap;
-    }
-    if (listener)
-        (*listener)(functionDown);
+    if (isHoldLost.exchange(false))
+        tellTap(functionUp);
+    tellTap(functionDown);
 }
 
 // Until the keyboard has been let go, keys come here alone and without raw events: the end of a quick tap.
@@ -166,37 +162,66 @@ void KeyWatch::handleRawKey(const xcb_input_raw_key_press_event_t& event) {
         return;
     }
     pressingDevice = event.sourceid;
-    // A keyboard that was unplugged reports no release; the next key brings it to light.
-    if (held && held->code != code && !isPluggedIn(held->device))
-        reportRelease();
-    std::vector<std::shared_ptr<const Listener>> listeners;
-    std::optional<int> pressed;
-    {
-        std::lock_guard lock(mutex);
-        listeners = monitors;
-        if (map && !listeners.empty())
-            pressed = map->virtualKeyOf(code);
-    }
-    for (const auto& listener : listeners) {
-        if (pressed)
-            (*listener)(KeyEvent{EventType::keyDown, *pressed});
-    }
+    if (const auto known = keyMap())
+        if (const auto pressed = known->virtualKeyOf(code))
+            tellMonitors({EventType::keyDown, *pressed});
 }
 
 void KeyWatch::handleUsersRelease(KeyCode code) {
-    if (held && held->code == code)
-        reportRelease();
+    if (!held || held->code != code)
+        return;
+    held.reset();
+    tellTap(functionUp);
 }
 
-void KeyWatch::reportRelease() {
-    held.reset();
+// A keyboard that is unplugged, or switched off with its console, reports no release. The key is up there for
+// the server since it was lifted.
+void KeyWatch::handleDevices(const xcb_input_hierarchy_event_t& event) {
+    constexpr std::uint32_t gone = XCB_INPUT_HIERARCHY_MASK_SLAVE_REMOVED
+                                   | XCB_INPUT_HIERARCHY_MASK_SLAVE_DETACHED
+                                   | XCB_INPUT_HIERARCHY_MASK_DEVICE_DISABLED;
+    for (auto info = xcb_input_hierarchy_infos_iterator(&event); info.rem > 0;
+         xcb_input_hierarchy_info_next(&info)) {
+        if (!held || info.data->deviceid != held->device || (info.data->flags & gone) == 0)
+            continue;
+        held.reset();
+        isHoldLost = true;
+        endLostHold();
+    }
+}
+
+// The user did not let the key go, so nothing is confirmed: Escape comes before the release. While nobody
+// listens for it yet the hold goes on.
+void KeyWatch::endLostHold() {
+    if (!tellsMonitors() || !isHoldLost.exchange(false))
+        return;
+    tellMonitors({EventType::keyDown, key::escape});
+    tellTap(functionUp);
+}
+
+bool KeyWatch::tellsMonitors() const {
+    std::lock_guard lock(mutex);
+    return !monitors.empty();
+}
+
+void KeyWatch::tellMonitors(const KeyEvent& event) const {
+    std::vector<std::shared_ptr<const Listener>> listeners;
+    {
+        std::lock_guard lock(mutex);
+        listeners = monitors;
+    }
+    for (const auto& listener : listeners)
+        (*listener)(event);
+}
+
+void KeyWatch::tellTap(const KeyEvent& event) const {
     std::shared_ptr<const Listener> listener;
     {
         std::lock_guard lock(mutex);
         listener = tap;
     }
     if (listener)
-        (*listener)(functionUp);
+        (*listener)(event);
 }
 
 bool KeyWatch::isGrabbed(KeyCode code) const {
@@ -204,14 +229,9 @@ bool KeyWatch::isGrabbed(KeyCode code) const {
     return grabbed == code;
 }
 
-// The key itself is up there since it was lifted, whoever holds it.
-bool KeyWatch::isPluggedIn(xcb_input_device_id_t device) const {
-    return x.reply(xcb_input_xi_query_device_reply, xcb_input_xi_query_device(x, device)) != nullptr;
-}
-
-std::shared_ptr<const KeyMap> KeyWatch::readKeyMap() {
-    auto read = KeyMap::read(mapDisplay);
-    return read && spareKeys.provide(*read) ? KeyMap::read(mapDisplay) : read;
+std::shared_ptr<const KeyMap> KeyWatch::readServerMap() {
+    auto read = readKeyMap(mapDisplay);
+    return read && spareKeys.provide(*read) ? readKeyMap(mapDisplay) : read;
 }
 
 // The news come in bursts, and also whenever another device types than before: several times in each gesture,
@@ -225,7 +245,7 @@ void KeyWatch::keyMapChanged() {
 }
 
 void KeyWatch::renewKeyMap() {
-    auto renewed = readKeyMap();
+    auto renewed = readServerMap();
     if (!renewed)
         return;
     std::lock_guard lock(mutex);
@@ -234,8 +254,20 @@ void KeyWatch::renewKeyMap() {
         return;
     if (grabbed)
         ungrab(*grabbed);
-    if (map->functionKey())
-        grab(*map->functionKey());
+    if (!map->functionKey() || grab(*map->functionKey()))
+        return;
+    log("[Keyboard] Another program has the key; it is taken as soon as it is free");
+    grabOnceFree();
+}
+
+// Nobody tells when that is.
+void KeyWatch::grabOnceFree() {
+    constexpr auto lookAgainAfter = 1s;
+    mapReader.runLoop().postAfter(lookAgainAfter, [this] {
+        std::lock_guard lock(mutex);
+        if (tap && !grabbed && map->functionKey() && !grab(*map->functionKey()))
+            grabOnceFree();
+    });
 }
 
 bool KeyWatch::grab(KeyCode code) {
@@ -257,13 +289,16 @@ void KeyWatch::chooseRawEvents() {
     bool wanted = tap || !monitors.empty();
     if (wanted == hearsRawEvents || inputExtension == 0)
         return;
-    struct {
+    struct Selection {
         xcb_input_event_mask_t head;
         std::uint32_t mask;
-    } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
-                wanted ? XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE
-                       : 0U};
-    xcb_input_xi_select_events(x, x.root(), 1, &selection.head);
+    };
+    const std::array selections{
+        Selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
+                  wanted ? XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE
+                         : 0U},
+        Selection{{XCB_INPUT_DEVICE_ALL, 1}, wanted ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_HIERARCHY} : 0U}};
+    xcb_input_xi_select_events(x, x.root(), selections.size(), &selections.front().head);
     x.flush();
     hearsRawEvents = wanted;
     if (wanted)

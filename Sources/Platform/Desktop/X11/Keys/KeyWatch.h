@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop/X11/Keys/KeyInjector.h"
 #include "Platform/Desktop/X11/Keys/SpareKeys.h"
+#include "Platform/Foundation/LogSink.h"
 #include "Platform/Foundation/ThreadRunLoop.h"
 #include "Platform/Input/KeyEvent.h"
 
@@ -18,12 +19,9 @@ public:
     // Hears key-down events, and changes of Fn if it is grabbed. Called on the watch's thread.
     using Listener = std::function<void(const KeyEvent&)>;
 
-    // Whether the display lets a program watch and type keys.
-    static bool isPossible(const XConnection& x);
-
-    // Hears nothing where it is not possible. Throws DisplayError. The connection is read by nobody else, and
-    // what `account` makes is made on it.
-    KeyWatch(const XConnection& events, KeyInjector& account);
+    // Hears nothing where something is in the way of that. Throws DisplayError. The connection is read by
+    // nobody else, and what `account` makes is made on it.
+    KeyWatch(const XConnection& events, KeyInjector& account, LogSink log);
     ~KeyWatch();
     KeyWatch(const KeyWatch&) = delete;
     KeyWatch& operator=(const KeyWatch&) = delete;
@@ -52,18 +50,23 @@ private:
     void handleGrabbedRelease(KeyCode code, std::uint32_t sequence);
     void handleRawKey(const xcb_input_raw_key_press_event_t& event);
     void handleUsersRelease(KeyCode code);
-    void reportRelease();
+    void handleDevices(const xcb_input_hierarchy_event_t& event);
+    void endLostHold();
+    bool tellsMonitors() const;
+    void tellMonitors(const KeyEvent& event) const;
+    void tellTap(const KeyEvent& event) const;
     bool isGrabbed(KeyCode code) const;
-    bool isPluggedIn(xcb_input_device_id_t device) const;
-    std::shared_ptr<const KeyMap> readKeyMap();
+    std::shared_ptr<const KeyMap> readServerMap();
     void keyMapChanged();
     void renewKeyMap();
+    void grabOnceFree();
     bool grab(KeyCode code);
     void ungrab(KeyCode code);
     void chooseRawEvents();
 
     const XConnection& x;
     KeyInjector& injector;
+    const LogSink log;
     const XConnection mapDisplay;
     const xcb_window_t mailbox;
     std::uint8_t inputExtension = 0;
@@ -71,6 +74,8 @@ private:
     SpareKeys spareKeys;
     std::optional<Held> held;
     xcb_input_device_id_t pressingDevice = 0;
+    // Its end is still to be told, as an abandonment.
+    std::atomic<bool> isHoldLost = false;
 
     mutable std::mutex mutex;
     std::shared_ptr<const KeyMap> map;

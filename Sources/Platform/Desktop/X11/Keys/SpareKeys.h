@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Platform/Desktop/X11/Keys/KeyMap.h"
+#include "Platform/Desktop/Typing/KeyMap.h"
+#include "Platform/Desktop/X11/Server/XConnection.h"
 
 #include <map>
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 
 #include <climits>
 #include <unistd.h>
@@ -96,19 +94,7 @@ void bringToFront(const XConnection& x, xcb_window_t window, std::optional<xcb_w
             return;
 }
 
-WindowClass windowClassOf(const XConnection& x, xcb_window_t window) {
-    auto property = x.property(window, XCB_ATOM_WM_CLASS);
-    if (!property)
-        return {};
-    auto& names = property->bytes;
-    auto split = names.find('\0');
-    if (split == std::string::npos)
-        return {names, {}};
-    // Both names end with a zero.
-    return {names.substr(0, split), names.c_str() + split + 1};
-}
-
-std::optional<pid_t> processOf(const XConnection& x, xcb_window_t window) {
+std::optional<pid_t> claimedProcessOf(const XConnection& x, xcb_window_t window) {
     auto process = x.propertyValue(window, "_NET_WM_PID");
     if (!process)
         return std::nullopt;
@@ -116,21 +102,6 @@ std::optional<pid_t> processOf(const XConnection& x, xcb_window_t window) {
     if (machine && untilZero(machine->bytes) != ownMachine())
         return std::nullopt;
     return static_cast<pid_t>(*process);
-}
-
-std::optional<std::string> programOf(pid_t process) {
-    // The kernel keeps the first 15 bytes of the name.
-    constexpr std::size_t kept = 15;
-    auto folder = std::filesystem::path("/proc") / std::to_string(process);
-    std::string name;
-    if (std::ifstream file(folder / "comm"); !std::getline(file, name) || name.empty())
-        return std::nullopt;
-    std::error_code error;
-    if (name.size() == kept) {
-        if (auto program = std::filesystem::read_symlink(folder / "exe", error); !error)
-            return program.filename().string();
-    }
-    return name;
 }
 
 } // namespace platform::desktop

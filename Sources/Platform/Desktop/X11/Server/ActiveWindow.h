@@ -18,20 +18,7 @@ std::optional<xcb_window_t> focusedWindow(const XConnection& x);
 void bringToFront(const XConnection& x, xcb_window_t window,
                   std::optional<xcb_window_t> focus = std::nullopt);
 
-// The two names a window gives its kind by.
-struct WindowClass {
-    std::string instance;
-    std::string name;
-
-    bool operator==(const WindowClass&) const = default;
-};
-
-WindowClass windowClassOf(const XConnection& x, xcb_window_t window);
-
-// The process of a window, if it runs on this machine.
-std::optional<pid_t> processOf(const XConnection& x, xcb_window_t window);
-
-// The name of a process's program, of its script where an interpreter runs one.
-std::optional<std::string> programOf(pid_t process);
+// The process that a window says it is of, if that runs on this machine.
+std::optional<pid_t> claimedProcessOf(const XConnection& x, xcb_window_t window);
 
 } // namespace platform::desktop

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/X11/Server/XConnection.h"
-
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -10,20 +9,17 @@ struct xkb_keymap;
 
 namespace platform::desktop {
 
-using KeyCode = xcb_keycode_t;
+// As X11 counts: eight more than the kernel.
+using KeyCode = std::uint8_t;
 
-// Which key of the keyboard types what, as the server had it at one moment. Never changes; any thread.
+// Which key of the keyboard types what, as it was at one moment. Never changes; any thread.
 class KeyMap {
 public:
-    // Nothing if the server cannot tell. The connection outlives the map, and is not one that waits for
-    // events: once it has asked for a map it no longer hears of new ones.
-    static std::shared_ptr<const KeyMap> read(const XConnection& x);
+    // Takes over the caller's reference.
+    explicit KeyMap(xkb_keymap* keymap);
 
     // The key that stands for Fn: the one with that name, or else Right Control.
     std::optional<KeyCode> functionKey() const { return functionKey_; }
-
-    // The group (the layout) that is chosen at this moment.
-    std::uint32_t currentGroup() const;
 
     // The key that types the layer's virtual key in a group or, where none does, in another one: applications
     // look there too.
@@ -50,8 +46,6 @@ public:
     const std::vector<KeyCode>& modifierKeys() const { return modifierKeys_; }
 
 private:
-    KeyMap(xkb_keymap* read, const XConnection& connection, std::int32_t keyboard);
-
     std::optional<KeyCode> keyTyping(std::uint32_t symbol, std::optional<std::uint32_t> group) const;
     std::optional<KeyCode> keyNamed(const char* name) const;
 
@@ -59,8 +53,6 @@ private:
         void operator()(xkb_keymap* owned) const noexcept;
     };
     std::unique_ptr<xkb_keymap, Release> map;
-    const XConnection& x;
-    std::int32_t device;
     std::optional<KeyCode> functionKey_;
     std::optional<KeyCode> controlKey_;
     std::optional<KeyCode> shiftKey_;

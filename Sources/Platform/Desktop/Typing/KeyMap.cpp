@@ -1,12 +1,10 @@
-#include "Platform/Desktop/X11/Keys/KeyMap.h"
+#include "Platform/Desktop/Typing/KeyMap.h"
 
-#include "Platform/Foundation/Release.h"
 #include "Platform/Input/KeyEvent.h"
 
 #include <algorithm>
 #include <array>
 
-#include <xkbcommon/xkbcommon-x11.h>
 #include <xkbcommon/xkbcommon.h>
 
 namespace platform::desktop {
@@ -58,22 +56,7 @@ void KeyMap::Release::operator()(xkb_keymap* owned) const noexcept {
     xkb_keymap_unref(owned);
 }
 
-std::shared_ptr<const KeyMap> KeyMap::read(const XConnection& x) {
-    const std::unique_ptr<xkb_context, platform::Release<xkb_context_unref>> context(
-        xkb_context_new(XKB_CONTEXT_NO_DEFAULT_INCLUDES));
-    if (!xkb_x11_setup_xkb_extension(x, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
-                                     XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, nullptr,
-                                     nullptr))
-        return nullptr;
-    auto device = xkb_x11_get_core_keyboard_device_id(x);
-    if (!context || device < 0)
-        return nullptr;
-    auto* map = xkb_x11_keymap_new_from_device(context.get(), x, device, XKB_KEYMAP_COMPILE_NO_FLAGS);
-    return map ? std::shared_ptr<const KeyMap>(new KeyMap(map, x, device)) : nullptr;
-}
-
-KeyMap::KeyMap(xkb_keymap* read, const XConnection& connection, std::int32_t keyboard)
-    : map(read), x(connection), device(keyboard) {
+KeyMap::KeyMap(xkb_keymap* keymap) : map(keymap) {
     functionKey_ = keyTyping(XKB_KEY_XF86Fn, std::nullopt);
     if (!functionKey_)
         functionKey_ = keyTyping(XKB_KEY_Control_R, std::nullopt);
@@ -92,12 +75,6 @@ KeyMap::KeyMap(xkb_keymap* read, const XConnection& connection, std::int32_t key
             }
         }
     }
-}
-
-std::uint32_t KeyMap::currentGroup() const {
-    std::unique_ptr<xkb_state, platform::Release<xkb_state_unref>> state(
-        xkb_x11_state_new_from_device(map.get(), x, device));
-    return state ? xkb_state_serialize_layout(state.get(), XKB_STATE_LAYOUT_EFFECTIVE) : 0;
 }
 
 std::optional<KeyCode> KeyMap::keyFor(int virtualKey, std::uint32_t group) const {
