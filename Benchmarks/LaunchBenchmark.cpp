@@ -5,6 +5,7 @@
 #include "Acceptance/Panel.h"
 #include "Core/LocalizationManager.h"
 #include "Platform/Desktop/Tray/DesktopStatusItem.h"
+#include "Platform/Desktop/X11/Display/X11Panel.h"
 #include "Platform/Headless/HeadlessHost.h"
 #include "main/AppDelegate.h"
 
@@ -105,12 +106,13 @@ private:
         explicit Tray(const platform::Bundle& drawings) : bundle(drawings) {}
 
         std::unique_ptr<platform::StatusItem> makeStatusItem() override {
-            return std::make_unique<platform::desktop::DesktopStatusItem>(x, bundle,
+            return std::make_unique<platform::desktop::DesktopStatusItem>(panel, bundle,
                                                                           [](const std::string&) {});
         }
 
     private:
         const platform::desktop::XConnection x;
+        platform::desktop::X11Panel panel{x};
         const platform::Bundle& bundle;
     };
 

@@ -3,6 +3,7 @@
 #include "Core/TextManagerError.h"
 #include "Platform/Foundation/Sleep.h"
 #include "Platform/Host.h"
+#include "Platform/Input/PasteboardError.h"
 
 namespace lumarin {
 namespace {
@@ -41,7 +42,11 @@ Task<void> TextManager::writeText(std::string text) {
 // Whatever ends the work, a cancellation too, the clipboard is put back before it goes on.
 template <typename Work>
 Task<void> TextManager::keepingClipboard(Work work) {
-    co_await clipboardGuard.save();
+    try {
+        co_await clipboardGuard.save();
+    } catch (const platform::PasteboardError&) {
+        throw TextManagerError(TextManagerError::Case::readFailed);
+    }
     std::exception_ptr failure;
     try {
         co_await work();
@@ -89,7 +94,18 @@ Task<void> TextManager::pasteOver(std::string text) {
     }
     auto& pasteboard = Host::current().generalPasteboard();
     co_await pasteboard.clearContents();
-    co_await pasteboard.setString(std::move(text));
+    bool isReady = true;
+    try {
+        co_await pasteboard.setString(std::move(text));
+    } catch (const platform::PasteboardError&) {
+        isReady = false;
+    }
+    if (!isReady) {
+        // The field is left as it was: the next key would go over all of it.
+        if (!wasPartialSelection)
+            co_await postKey(platform::key::rightArrow, 0);
+        throw TextManagerError(TextManagerError::Case::writeFailed);
+    }
     co_await simulateKeyCombo(KeyCode::v, platform::flag::command);
     co_await platform::sleep(keystrokeDelay);
 }

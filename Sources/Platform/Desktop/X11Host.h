@@ -45,7 +45,7 @@ private:
     DesktopWindowServer windows{display, *runLoop, bundle};
     PostedKeys postedKeys;
     std::optional<DesktopKeyboard> keys{std::in_place, x, *runLoop, postedKeys, log};
-    std::optional<DesktopPasteboard> pasteboard{std::in_place, postedKeys};
+    std::optional<DesktopPasteboard> pasteboard{std::in_place, postedKeys, log};
     DesktopWorkspace applications;
     X11Panel panel{x};
     DesktopStatusBar bar{panel, bundle, [this](const std::string& command) { perform(command); }};

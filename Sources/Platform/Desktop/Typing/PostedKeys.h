@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -54,6 +55,10 @@ public:
         return last;
     }
 
+    // A key or a button that the user pressed, told by the keyboard.
+    void recordUsersAct() { usersAct = std::chrono::steady_clock::now(); }
+    std::chrono::steady_clock::time_point lastUsersAct() const { return usersAct; }
+
     // For combinations to come; none: whichever window has the keyboard.
     void aim(std::optional<std::uint32_t> window) {
         std::lock_guard lock(mutex);
@@ -72,6 +77,7 @@ private:
     std::optional<PostedKey> last;
     std::optional<KeyTarget> only;
     std::function<void()> observer;
+    std::atomic<std::chrono::steady_clock::time_point> usersAct{};
 };
 
 } // namespace platform::desktop

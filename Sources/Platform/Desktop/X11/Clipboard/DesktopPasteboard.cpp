@@ -1,5 +1,7 @@
 #include "Platform/Desktop/X11/Clipboard/DesktopPasteboard.h"
 
+#include "Platform/Input/PasteboardError.h"
+
 namespace platform::desktop {
 namespace {
 
@@ -12,12 +14,35 @@ const SelectionForm inPassing{"x-kde-passwordManagerHint", "x-kde-passwordManage
 // A clipboard is cleared for a key that is posted at once, or for good.
 constexpr auto keyDelay = 100ms;
 
+// A program that wants the clipboard for itself takes it back as soon as it hears of the new owner.
+constexpr auto untouchedTime = 3ms;
+
+// More than any operation takes.
+constexpr auto operationLimit = 10s;
+
+std::shared_ptr<const SelectionContent> shared(SelectionContent content) {
+    return std::make_shared<const SelectionContent>(std::move(content));
+}
+
 } // namespace
 
-DesktopPasteboard::DesktopPasteboard(PostedKeys& keys)
+// Counted, so that the end of the pasteboard does not come into the midst of it.
+class DesktopPasteboard::Operation {
+public:
+    explicit Operation(int& number) : count(number) { ++count; }
+    ~Operation() { --count; }
+    Operation(const Operation&) = delete;
+    Operation& operator=(const Operation&) = delete;
+
+private:
+    int& count;
+};
+
+DesktopPasteboard::DesktopPasteboard(PostedKeys& keys, LogSink sink)
     : postedKeys(keys),
+      log(std::move(sink)),
       watch(thread),
-      reader(thread, watch),
+      reader(thread, watch, log),
       effects(thread, watch, keys),
       owner(thread, effects) {
     thread.start([this](const xcb_generic_event_t& event) {
@@ -40,7 +65,8 @@ DesktopPasteboard::~DesktopPasteboard() {
 }
 
 Task<void> DesktopPasteboard::handOver(std::promise<void> done) {
-    if (!borrowed.forms.empty())
+    co_await thread.until([this] { return operations == 0; }, operationLimit);
+    if (borrowed)
         co_await owner.own(Tenancy::keeping, std::move(borrowed));
     co_await owner.handOver();
     done.set_value();
@@ -49,6 +75,7 @@ Task<void> DesktopPasteboard::handOver(std::promise<void> done) {
 Task<std::vector<PasteboardItem>> DesktopPasteboard::pasteboardItems() {
     co_await ignoreCancellation();
     co_await resumeOn(thread);
+    const Operation operation(operations);
     co_await effects.gestureBegins();
     SelectionContent content;
     if (!owner.content())
@@ -60,21 +87,24 @@ Task<std::vector<PasteboardItem>> DesktopPasteboard::pasteboardItems() {
     std::vector<PasteboardItem> items;
     if (!wasEmpty)
         items.push_back(content.item());
-    borrowed = std::move(content);
+    borrowed = wasEmpty ? nullptr : shared(std::move(content));
     co_return items;
 }
 
 Task<void> DesktopPasteboard::clearContents() {
     co_await ignoreCancellation();
     co_await resumeOn(thread);
+    const Operation operation(operations);
     co_await effects.pasteDone();
     // Nobody need hear of an owner for that.
     if (watch.owner() == XCB_NONE) {
         effects.termBegan();
         co_return;
     }
+    // A copy takes the clipboard from whoever has it, and what was there before is known.
     SelectionContent nothing{{inPassing}};
-    co_await owner.own(Tenancy::empty, std::move(nothing));
+    if (!co_await owner.own(Tenancy::empty, shared(std::move(nothing))))
+        effects.termBegan();
     if (wasEmpty)
         leaveToNobodySoon();
 }
@@ -82,24 +112,41 @@ Task<void> DesktopPasteboard::clearContents() {
 Task<void> DesktopPasteboard::writeObjects(std::vector<PasteboardItem> items) {
     co_await ignoreCancellation();
     co_await resumeOn(thread);
+    const Operation operation(operations);
     co_await effects.pasteDone();
-    auto content = SelectionContent::of(std::move(items));
-    co_await owner.own(Tenancy::keeping, std::move(content));
-    borrowed = {};
+    lastText.reset();
+    // One that cannot be given back now is at the end.
+    borrowed = shared(SelectionContent::of(std::move(items)));
+    if (co_await owner.own(Tenancy::keeping, borrowed))
+        borrowed.reset();
+    else
+        log("[Clipboard] Another program keeps the clipboard; what was on it before could not be put back");
 }
 
 Task<void> DesktopPasteboard::setString(std::string text) {
     co_await ignoreCancellation();
     co_await resumeOn(thread);
+    const Operation operation(operations);
     co_await effects.pasteDone();
     auto content = SelectionContent::of(std::move(text));
     content.forms.push_back(inPassing);
-    co_await owner.own(Tenancy::paste, std::move(content));
+    const bool isOwned = co_await owner.own(Tenancy::paste, shared(std::move(content)));
+    const auto holds = [&] { return isOwned && owner.holdsForPaste(); };
+    for (int touched = -1; holds() && touched != owner.reclaims();) {
+        touched = owner.reclaims();
+        co_await thread.until([&] { return !holds() || touched != owner.reclaims(); }, untouchedTime);
+    }
+    if (holds() || thread.isOver())
+        co_return;
+    constexpr const char* reason = "Another program keeps the clipboard; nothing is pasted";
+    log(std::string("[Clipboard] ") + reason);
+    throw PasteboardError(reason);
 }
 
 Task<std::optional<std::string>> DesktopPasteboard::string() {
     co_await ignoreCancellation();
     co_await resumeOn(thread);
+    const Operation operation(operations);
     auto outcome = co_await effects.copyDone();
     if (const auto* content = owner.content())
         co_return content->text();

@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop/X11/Clipboard/SelectionEffects.h"
 #include "Platform/Desktop/X11/Clipboard/SelectionReader.h"
+#include "Platform/Foundation/LogSink.h"
 #include "Platform/Input/Pasteboard.h"
 
 #include <future>
@@ -15,7 +16,7 @@ namespace platform::desktop {
 class DesktopPasteboard : public Pasteboard {
 public:
     // Throws DisplayError.
-    explicit DesktopPasteboard(PostedKeys& postedKeys);
+    DesktopPasteboard(PostedKeys& postedKeys, LogSink log);
     ~DesktopPasteboard() override;
 
     Task<std::vector<PasteboardItem>> pasteboardItems() override;
@@ -25,10 +26,14 @@ public:
     Task<void> setString(std::string text) override;
 
 private:
+    // An operation under way on the thread.
+    class Operation;
+
     Task<void> handOver(std::promise<void> done);
     void leaveToNobodySoon();
 
     PostedKeys& postedKeys;
+    const LogSink log;
     SelectionThread thread;
     SelectionWatch watch;
     SelectionReader reader;
@@ -39,7 +44,8 @@ private:
     bool wasEmpty = false;
     std::optional<std::string> lastText;
     // The contents themselves, until they are put back.
-    SelectionContent borrowed;
+    std::shared_ptr<const SelectionContent> borrowed;
+    int operations = 0;
 };
 
 } // namespace platform::desktop

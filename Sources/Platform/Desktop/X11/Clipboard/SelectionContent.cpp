@@ -15,9 +15,13 @@ SelectionForm decoded(std::string type, std::string bytes) {
     auto first = last == std::string::npos || last == 0 ? std::string::npos : type.rfind(separator, last - 1);
     if (first == std::string::npos)
         return {type, type, 8, std::move(bytes)};
-    std::uint8_t format = 8;
+    unsigned format = 0;
     std::from_chars(type.data() + last + 1, type.data() + type.size(), format);
-    return {type.substr(0, first), type.substr(first + 1, last - first - 1), format, std::move(bytes)};
+    // A program may call its own form so.
+    if (format != 8 && format != 16 && format != 32)
+        return {type, type, 8, std::move(bytes)};
+    return {type.substr(0, first), type.substr(first + 1, last - first - 1),
+            static_cast<std::uint8_t>(format), std::move(bytes)};
 }
 
 std::string encodedType(const SelectionForm& form) {

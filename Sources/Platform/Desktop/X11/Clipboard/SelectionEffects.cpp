@@ -199,7 +199,8 @@ bool SelectionEffects::isLateCopy(xcb_window_t newOwner) {
         return false;
     if (lastCopy->inquiry)
         return isOpen(lastCopy->inquiry);
-    return lastCopy->copied == false
+    // What the user has done since may be a copy of their own.
+    return lastCopy->copied == false && postedKeys.lastUsersAct() < lastCopy->key.time
            && std::chrono::steady_clock::now() < lastCopy->key.time + keyLimit * mostKeys;
 }
 

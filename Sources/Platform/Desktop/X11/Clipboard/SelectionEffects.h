@@ -41,6 +41,9 @@ public:
     void termBegan() override;
     void requested(xcb_window_t requestor, std::shared_ptr<const SelectionTransfer> transfer) override;
     bool isLateForPaste(xcb_window_t requestor) override;
+    bool areOfOneProgram(xcb_window_t one, xcb_window_t other) const override {
+        return clients.areOfOneProgram(one, other);
+    }
     bool isLateCopy(xcb_window_t newOwner) override;
 
 private:

@@ -1,5 +1,6 @@
 #include "Platform/Desktop/X11/Clipboard/SelectionOwner.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -9,6 +10,10 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto ownLimit = 1s;
+constexpr int mostClaims = 5;
+// Two programs that both insist would go on for ever.
+constexpr int mostReclaims = 3;
+constexpr std::size_t mostServed = 64;
 constexpr auto handOverLimit = 3s;
 
 // The server's time wraps around.
@@ -26,22 +31,34 @@ SelectionOwner::SelectionOwner(SelectionThread& ownThread, Observer& termObserve
       window(x.makeHiddenWindow()),
       clipboard(x.atom("CLIPBOARD")) {}
 
-Task<void> SelectionOwner::own(Tenancy tenancy, SelectionContent content) {
-    auto time = co_await thread.serverTime();
-    Term term{tenancy, time, std::make_shared<const SelectionContent>(std::move(content))};
-    // Nobody is told that it is empty in passing. Programs that look at each new clipboard would have two to
-    // look at at once, and some then hold on to what they learn last of the older: nothing to paste.
-    if (tenancy == Tenancy::empty && current) {
-        endTerm(time);
-        current = std::move(term);
-        observer.termBegan();
-        co_return;
+Task<bool> SelectionOwner::own(Tenancy tenancy, std::shared_ptr<const SelectionContent> content) {
+    for (int claim = 0; claim < mostClaims; ++claim) {
+        const auto time = co_await thread.serverTime();
+        Term term{tenancy, time, content};
+        // Nobody is told that it is empty in passing. Programs that look at each new clipboard would have two
+        // to look at at once, and some then hold on to what they learn last of the older: nothing to paste.
+        if (tenancy == Tenancy::empty && current) {
+            endTerm(time);
+            current = std::move(term);
+            observer.termBegan();
+            co_return true;
+        }
+        wanted = std::move(term);
+        xcb_set_selection_owner(x, window, clipboard, time);
+        // The server passes over a claim that is older than another program's, without a word.
+        const auto owner = x.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x, clipboard));
+        // Told by the server's notice, which stands in order among the notices of other owners and the
+        // requests.
+        if (owner && owner->owner == window)
+            co_await thread.until([this] { return !wanted; }, ownLimit);
+        if (!std::exchange(wanted, std::nullopt))
+            co_return true;
     }
-    wanted = std::move(term);
-    xcb_set_selection_owner(x, window, clipboard, time);
-    // Told by the server's notice, which stands in order among the notices of other owners and the requests.
-    co_await thread.until([this] { return !wanted; }, ownLimit);
-    wanted.reset();
+    co_return false;
+}
+
+bool SelectionOwner::holdsForPaste() const {
+    return current ? current->tenancy == Tenancy::paste : isInheritedWithText;
 }
 
 void SelectionOwner::disown(xcb_timestamp_t since) {
@@ -88,12 +105,28 @@ void SelectionOwner::ownerChanged(const OwnerChange& change) {
         } else if (current) {
             current->since = change.since;
         }
-    } else if (current && !wanted && current->tenancy == Tenancy::keeping && change.owner != XCB_NONE
-               && observer.isLateCopy(change.owner)) {
+    } else if (isToBeTakenBack(change)) {
+        ++current->reclaims;
         xcb_set_selection_owner(x, window, clipboard, change.time);
     } else {
+        isInheritedWithText = current && std::ranges::any_of(current->served, [&](xcb_window_t served) {
+                                  return observer.areOfOneProgram(served, change.owner);
+                              });
         endTerm(change.time);
     }
+}
+
+// A program that takes the clipboard while a text is there to be pasted, without having looked at it, would
+// have its own content pasted over the user's text.
+bool SelectionOwner::isToBeTakenBack(const OwnerChange& change) const {
+    if (!current || wanted || change.owner == XCB_NONE || current->reclaims >= mostReclaims)
+        return false;
+    if (current->tenancy == Tenancy::keeping)
+        return observer.isLateCopy(change.owner);
+    return current->tenancy == Tenancy::paste
+           && std::ranges::none_of(current->served, [&](xcb_window_t served) {
+                  return observer.areOfOneProgram(served, change.owner);
+              });
 }
 
 void SelectionOwner::endTerm(xcb_timestamp_t time) {
@@ -105,7 +138,7 @@ void SelectionOwner::endTerm(xcb_timestamp_t time) {
 }
 
 // What was asked for by an act of the user is what the clipboard held at the time of that act.
-const SelectionOwner::Term* SelectionOwner::termFor(const xcb_selection_request_event_t& request) const {
+SelectionOwner::Term* SelectionOwner::termFor(const xcb_selection_request_event_t& request) {
     if (!current || request.selection != clipboard)
         return nullptr;
     if (pasted && current->tenancy != Tenancy::paste && observer.isLateForPaste(request.requestor))
@@ -120,7 +153,7 @@ const SelectionOwner::Term* SelectionOwner::termFor(const xcb_selection_request_
 void SelectionOwner::answer(const xcb_selection_request_event_t& request) {
     // Programs of old name no property and expect the target's name.
     auto property = request.property != XCB_ATOM_NONE ? request.property : request.target;
-    const auto* term = termFor(request);
+    auto* term = termFor(request);
     bool converted = term && convert(*term, request.requestor, request.target, property);
 
     xcb_selection_notify_event_t notice{};
@@ -136,10 +169,11 @@ void SelectionOwner::answer(const xcb_selection_request_event_t& request) {
     xcb_send_event(x, 0, request.requestor, XCB_EVENT_MASK_NO_EVENT, bytes);
 }
 
-bool SelectionOwner::convert(const Term& term, xcb_window_t requestor, xcb_atom_t target,
-                             xcb_atom_t property) {
+bool SelectionOwner::convert(Term& term, xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property) {
     auto name = x.nameOf(target);
     if (const auto* form = term.content->form(name)) {
+        if (std::ranges::find(term.served, requestor) == term.served.end() && term.served.size() < mostServed)
+            term.served.push_back(requestor);
         observer.requested(requestor, transfers.send(term.content, *form, requestor, property));
         return true;
     }
@@ -170,7 +204,7 @@ void SelectionOwner::putTargets(const Term& term, xcb_window_t requestor, xcb_at
 }
 
 // The property lists pairs of a target and the property for it; a pair that can't be had loses its property.
-bool SelectionOwner::convertEach(const Term& term, xcb_window_t requestor, xcb_atom_t property) {
+bool SelectionOwner::convertEach(Term& term, xcb_window_t requestor, xcb_atom_t property) {
     auto list = x.property(requestor, property);
     if (!list || list->format != 32)
         return false;

@@ -20,14 +20,21 @@ public:
         virtual void requested(xcb_window_t requestor, std::shared_ptr<const SelectionTransfer> transfer) = 0;
         // Whether the requestor still does what the last text to be pasted was there for.
         virtual bool isLateForPaste(xcb_window_t requestor) = 0;
+        virtual bool areOfOneProgram(xcb_window_t one, xcb_window_t other) const = 0;
         // Whether a program that took the clipboard did so for a copy that is over for the user.
         virtual bool isLateCopy(xcb_window_t newOwner) = 0;
     };
 
     SelectionOwner(SelectionThread& thread, Observer& observer);
 
-    // Takes the clipboard; ends when everybody has been told, or at once when what is owned is emptied.
-    Task<void> own(Tenancy tenancy, SelectionContent content);
+    // Takes the clipboard; ends when everybody has been told, or at once when what is owned is emptied. False
+    // where other programs are faster each time.
+    Task<bool> own(Tenancy tenancy, std::shared_ptr<const SelectionContent> content);
+    // Whether what a paste fetches now is the text that was put there for it: from here, or from a program
+    // that has fetched it before it took the clipboard over.
+    bool holdsForPaste() const;
+    // How often it had to be taken back from others since it was taken.
+    int reclaims() const { return current ? current->reclaims : 0; }
 
     // Leaves the clipboard to nobody, if it is still owned for the same reason as at `since`.
     void disown(xcb_timestamp_t since);
@@ -49,16 +56,21 @@ private:
         Tenancy tenancy;
         xcb_timestamp_t since;
         std::shared_ptr<const SelectionContent> content;
+        // Who has been given its bytes, each by one of its windows.
+        std::vector<xcb_window_t> served = {};
+        // How often it was taken back from others.
+        int reclaims = 0;
         // Once it is over.
         xcb_timestamp_t until = 0;
     };
 
     void ownerChanged(const OwnerChange& change);
+    bool isToBeTakenBack(const OwnerChange& change) const;
     void endTerm(xcb_timestamp_t time);
     void answer(const xcb_selection_request_event_t& request);
-    const Term* termFor(const xcb_selection_request_event_t& request) const;
-    bool convert(const Term& term, xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property);
-    bool convertEach(const Term& term, xcb_window_t requestor, xcb_atom_t property);
+    Term* termFor(const xcb_selection_request_event_t& request);
+    bool convert(Term& term, xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property);
+    bool convertEach(Term& term, xcb_window_t requestor, xcb_atom_t property);
     void putTargets(const Term& term, xcb_window_t requestor, xcb_atom_t property);
 
     SelectionThread& thread;
@@ -72,6 +84,8 @@ private:
     std::optional<Term> current;
     // The last text to be pasted, for a paste that was begun before its term was over.
     std::optional<Term> pasted;
+    // Of the last term for a paste: it went to a program that has the text.
+    bool isInheritedWithText = false;
     bool handedOver = false;
 };
 

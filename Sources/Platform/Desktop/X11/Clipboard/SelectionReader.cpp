@@ -1,5 +1,7 @@
 #include "Platform/Desktop/X11/Clipboard/SelectionReader.h"
 
+#include "Platform/Input/PasteboardError.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -13,8 +15,11 @@ using namespace std::chrono_literals;
 constexpr auto answerLimit = 1250ms;
 constexpr auto pieceLimit = 1000ms;
 constexpr auto contentLimit = 5000ms;
-// A file of this size is moved by its name, not through the clipboard.
-constexpr std::size_t largestForm = std::size_t{1} << 30U;
+// Of all forms together: they are kept until they are put back. A file of this size is moved by its name, not
+// through the clipboard.
+constexpr std::size_t mostBytes = std::size_t{512} << 20U;
+// Owners that come one after another while they are read.
+constexpr int mostOwners = 3;
 
 // Targets that say or do something about the selection and are none of its forms.
 constexpr std::array notForms = {"TARGETS", "MULTIPLE", "TIMESTAMP",        "SAVE_TARGETS",
@@ -27,47 +32,81 @@ constexpr unsigned propertyNames = 16;
 
 } // namespace
 
-SelectionReader::SelectionReader(SelectionThread& ownThread, const SelectionWatch& ownerWatch)
+SelectionReader::SelectionReader(SelectionThread& ownThread, const SelectionWatch& ownerWatch,
+                                 const LogSink& sink)
     : thread(ownThread),
       x(thread.x()),
       watch(ownerWatch),
+      log(sink),
       window(x.makeHiddenWindow(XCB_EVENT_MASK_PROPERTY_CHANGE)),
       clipboard(x.atom("CLIPBOARD")),
       incremental(x.atom("INCR")) {}
 
+// Never a mixture of what two owners have.
 Task<SelectionContent> SelectionReader::content() {
     const auto deadline = std::chrono::steady_clock::now() + contentLimit;
+    for (int change = 0; change < mostOwners; ++change) {
+        const auto owner = watch.owner();
+        if (owner == XCB_NONE)
+            co_return SelectionContent();
+        auto result = co_await contentOf(owner, deadline);
+        if (watch.owner() == owner || thread.isOver())
+            co_return result;
+    }
+    throw PasteboardError("The clipboard changes faster than it can be read");
+}
+
+Task<SelectionContent> SelectionReader::contentOf(xcb_window_t owner, Moment deadline) {
     const auto time = co_await thread.serverTime();
     SelectionContent result;
+    room = mostBytes;
     int silences = 0;
+    std::string missing;
     const auto offered = co_await targets(time, deadline);
-    for (auto form : offered) {
+    const auto isThere = [&] { return watch.owner() == owner && !thread.isOver(); };
+    for (auto form : textFirst(offered.value_or(std::vector<xcb_atom_t>()))) {
+        if (!isThere() || silences == 2)
+            break;
         auto name = x.nameOf(form);
         if (std::ranges::count(notForms, name) != 0 || result.form(name))
             continue;
         auto answer = co_await ask(form, time, deadline);
         silences = answer.came ? 0 : silences + 1;
-        if (silences == 2)
-            break;
+        if (answer.isCutOff || !answer.came)
+            missing += ' ' + name;
         if (!answer.data)
             continue;
         auto type = answer.data->type == form ? name : x.nameOf(answer.data->type);
-        if (std::ranges::count(resources, type) == 0)
+        if (std::ranges::count(resources, type) == 0) {
+            room -= std::min(room, answer.data->bytes.size());
             result.forms.push_back({name, type, answer.data->format, std::move(answer.data->bytes)});
+        }
     }
+    if (isThere() && (!offered || silences == 2 || (result.forms.empty() && !missing.empty())))
+        throw PasteboardError("The program that owns the clipboard does not hand out what is on it");
+    if (isThere() && !missing.empty())
+        log("[Clipboard] Too slow or too big to be kept:" + missing);
     co_return result;
 }
 
-Task<std::vector<xcb_atom_t>> SelectionReader::targets(xcb_timestamp_t time, Moment deadline) {
+std::vector<xcb_atom_t> SelectionReader::textFirst(std::vector<xcb_atom_t> forms) const {
+    std::ranges::stable_partition(forms, [this](xcb_atom_t form) {
+        return std::ranges::any_of(textTargets, [&](const char* text) { return x.atom(text) == form; });
+    });
+    return forms;
+}
+
+Task<std::optional<std::vector<xcb_atom_t>>> SelectionReader::targets(xcb_timestamp_t time, Moment deadline) {
     auto answer = co_await ask(x.atom("TARGETS"), time, deadline);
     if (answer.data)
         co_return answer.data->values();
     if (answer.came) // an old program that has nothing but text
         co_return std::vector{x.atom("UTF8_STRING"), xcb_atom_t{XCB_ATOM_STRING}};
-    co_return std::vector<xcb_atom_t>();
+    co_return std::nullopt;
 }
 
 Task<std::optional<std::string>> SelectionReader::text() {
+    room = mostBytes;
     const auto deadline = std::chrono::steady_clock::now() + contentLimit;
     const auto time = co_await thread.serverTime();
     for (const char* form : textTargets) {
@@ -85,7 +124,7 @@ Task<std::optional<std::string>> SelectionReader::text() {
 Task<SelectionReader::Answer> SelectionReader::ask(xcb_atom_t wanted, xcb_timestamp_t time, Moment deadline) {
     const auto owner = watch.owner();
     if (owner == XCB_NONE)
-        co_return Answer{true, std::nullopt};
+        co_return Answer{true, false, std::nullopt};
     target = wanted;
     property = x.atom("LUMARIN_SELECTION_" + std::to_string(questions++ % propertyNames));
     answered = granted = pieceCame = false;
@@ -94,11 +133,12 @@ Task<SelectionReader::Answer> SelectionReader::ask(xcb_atom_t wanted, xcb_timest
     auto limit = std::min(deadline, std::chrono::steady_clock::now() + answerLimit);
     co_await thread.until([&] { return answered || watch.owner() != owner; }, limit);
 
-    Answer answer{answered, std::nullopt};
+    Answer answer{answered, false, std::nullopt};
     if (answered && granted) {
         answer.data = x.property(window, property, true);
         if (answer.data && answer.data->type == incremental)
             answer.data = co_await receivePieces(property, deadline);
+        answer.isCutOff = !answer.data;
     }
     property = XCB_ATOM_NONE;
     co_return answer;
@@ -123,7 +163,7 @@ Task<std::optional<XProperty>> SelectionReader::receivePieces(xcb_atom_t name, M
             whole = std::move(piece);
         } else {
             whole->bytes += piece->bytes;
-            if (whole->bytes.size() > largestForm)
+            if (whole->bytes.size() > room)
                 co_return std::nullopt;
         }
     }

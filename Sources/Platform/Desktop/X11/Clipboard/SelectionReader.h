@@ -2,16 +2,18 @@
 
 #include "Platform/Desktop/X11/Clipboard/SelectionContent.h"
 #include "Platform/Desktop/X11/Clipboard/SelectionWatch.h"
+#include "Platform/Foundation/LogSink.h"
 
 namespace platform::desktop {
 
 // Asks the owner of the clipboard for what it holds; one question at a time. The pasteboard's thread.
 class SelectionReader {
 public:
-    SelectionReader(SelectionThread& thread, const SelectionWatch& watch);
+    SelectionReader(SelectionThread& thread, const SelectionWatch& watch, const LogSink& log);
 
-    // Everything the owner has. Nothing of an owner that is dead, mute or refuses; a form that stops on its
-    // way is left out.
+    // Everything the owner has, the text first. Nothing of an owner that is dead or refuses; a form that
+    // stops on its way or is too big is left out and logged. Throws PasteboardError where the owner lives and
+    // nothing of what it has can be had.
     Task<SelectionContent> content();
 
     // The plain text, in valid UTF-8.
@@ -23,16 +25,22 @@ private:
     struct Answer {
         // False: not a word within the time limit.
         bool came = false;
+        // It was granted, and stopped on its way or was too big.
+        bool isCutOff = false;
         std::optional<XProperty> data;
     };
 
+    Task<SelectionContent> contentOf(xcb_window_t owner, Moment deadline);
     Task<Answer> ask(xcb_atom_t target, xcb_timestamp_t time, Moment deadline);
-    Task<std::vector<xcb_atom_t>> targets(xcb_timestamp_t time, Moment deadline);
+    // Nothing of an owner that keeps silent.
+    Task<std::optional<std::vector<xcb_atom_t>>> targets(xcb_timestamp_t time, Moment deadline);
     Task<std::optional<XProperty>> receivePieces(xcb_atom_t property, Moment deadline);
+    std::vector<xcb_atom_t> textFirst(std::vector<xcb_atom_t> forms) const;
 
     SelectionThread& thread;
     const XConnection& x;
     const SelectionWatch& watch;
+    const LogSink& log;
     xcb_window_t window;
     xcb_atom_t clipboard;
     xcb_atom_t incremental;
@@ -44,6 +52,8 @@ private:
     bool answered = false;
     bool granted = false;
     bool pieceCame = false;
+    // Bytes that may still be taken in.
+    std::size_t room = 0;
 };
 
 } // namespace platform::desktop

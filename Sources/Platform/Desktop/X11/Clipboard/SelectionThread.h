@@ -34,6 +34,9 @@ public:
     // What follows belongs to the thread.
     const XConnection& x() const { return connection; }
 
+    // The connection has broken, or the thread is coming to its end.
+    bool isOver() const { return over; }
+
     // The server's present time, 0 when the connection is broken.
     Task<xcb_timestamp_t> serverTime();
 

@@ -14,7 +14,7 @@ public:
         : display(x),
           mainLoop(mainRunLoop),
           injector(keyEvents, x),
-          watch(keyEvents, injector, std::move(log)),
+          watch(keyEvents, injector, postedKeys, std::move(log)),
           poster(x, injector, postedKeys) {}
 
     std::unique_ptr<EventTap> createEventTap(EventMask events, EventTap::Callback callback) override;

@@ -20,9 +20,10 @@ constexpr xcb_atom_t endMessage = XCB_ATOM_INTEGER;
 
 } // namespace
 
-KeyWatch::KeyWatch(const XConnection& events, KeyInjector& account, LogSink sink)
+KeyWatch::KeyWatch(const XConnection& events, KeyInjector& account, PostedKeys& keys, LogSink sink)
     : x(events),
       injector(account),
+      postedKeys(keys),
       log(std::move(sink)),
       mailbox(events.makeHiddenWindow()),
       spareKeys(mapDisplay) {
@@ -117,6 +118,8 @@ void KeyWatch::handle(const xcb_generic_event_t& event) {
             return;
         if (input.event_type == XCB_INPUT_HIERARCHY)
             handleDevices(reinterpret_cast<const xcb_input_hierarchy_event_t&>(event));
+        else if (input.event_type == XCB_INPUT_RAW_BUTTON_PRESS)
+            postedKeys.recordUsersAct();
         else if (input.event_type == XCB_INPUT_RAW_KEY_PRESS || input.event_type == XCB_INPUT_RAW_KEY_RELEASE)
             handleRawKey(input);
     } else if (type == XCB_MAPPING_NOTIFY) {
@@ -162,6 +165,7 @@ void KeyWatch::handleRawKey(const xcb_input_raw_key_press_event_t& event) {
         return;
     }
     pressingDevice = event.sourceid;
+    postedKeys.recordUsersAct();
     if (const auto known = keyMap())
         if (const auto pressed = known->virtualKeyOf(code))
             tellMonitors({EventType::keyDown, *pressed});
@@ -296,6 +300,7 @@ void KeyWatch::chooseRawEvents() {
     const std::array selections{
         Selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
                   wanted ? XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE
+                               | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS
                          : 0U},
         Selection{{XCB_INPUT_DEVICE_ALL, 1}, wanted ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_HIERARCHY} : 0U}};
     xcb_input_xi_select_events(x, x.root(), selections.size(), &selections.front().head);

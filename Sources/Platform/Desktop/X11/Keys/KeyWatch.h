@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Desktop/Typing/PostedKeys.h"
 #include "Platform/Desktop/X11/Keys/KeyInjector.h"
 #include "Platform/Desktop/X11/Keys/SpareKeys.h"
 #include "Platform/Foundation/LogSink.h"
@@ -21,7 +22,7 @@ public:
 
     // Hears nothing where something is in the way of that. Throws DisplayError. The connection is read by
     // nobody else, and what `account` makes is made on it.
-    KeyWatch(const XConnection& events, KeyInjector& account, LogSink log);
+    KeyWatch(const XConnection& events, KeyInjector& account, PostedKeys& postedKeys, LogSink log);
     ~KeyWatch();
     KeyWatch(const KeyWatch&) = delete;
     KeyWatch& operator=(const KeyWatch&) = delete;
@@ -66,6 +67,7 @@ private:
 
     const XConnection& x;
     KeyInjector& injector;
+    PostedKeys& postedKeys;
     const LogSink log;
     const XConnection mapDisplay;
     const xcb_window_t mailbox;
