@@ -82,7 +82,6 @@ bool choose(const MenuItem& chosen, platform::Published<Value>& current, void (*
 } // namespace
 
 void AppDelegate::setupMenu() {
-    Host::current().application().localization = LocalizationManager::shared().effectiveBundleName();
     const TranslationMode mode = stateMachine->currentMode;
     auto menu = std::make_shared<Menu>();
     auto add = [&](MenuItem next) { menu->items.push_back(std::move(next)); };

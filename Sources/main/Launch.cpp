@@ -1,5 +1,6 @@
 #include "main/Launch.h"
 
+#include "Core/LocalizationManager.h"
 #include "Core/Logger.h"
 #include "Platform/Foundation/FileManager.h"
 #include "Platform/Host.h"
@@ -21,6 +22,8 @@ void runApp() {
     auto delegate = std::make_shared<AppDelegate>();
     application.delegate = delegate;
     application.activationPolicy = platform::ActivationPolicy::accessory;
+    // The host may have something to say before anything is launched.
+    application.localization = [] { return LocalizationManager::shared().effectiveBundleName(); };
     application.run();
 }
 

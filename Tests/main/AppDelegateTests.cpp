@@ -1,3 +1,4 @@
+#include "Core/LocalizationManager.h"
 #include "Support/HeadlessTest.h"
 #include "Support/Streams.h"
 #include "main/AppDelegate.h"
@@ -70,6 +71,14 @@ const std::string hints = "-\n#Hold Fn (or Right Ctrl) to translate, release to 
                           "#Esc cancels; Undo brings your text back\n-\nQuit Lumarin [q]\n";
 
 } // namespace
+
+TEST_F(Launched, TellsTheHostItsLanguageBeforeItIsLaunched) {
+    host.userDefaults().set("Lumarin.language", "zh");
+    runApp();
+    EXPECT_EQ(host.application().localization(), "zh-Hans");
+    LocalizationManager::shared().setLanguage(LocalizationManager::Language::en);
+    EXPECT_EQ(host.application().localization(), "en");
+}
 
 TEST_F(Launched, ShowsInItsMenuWhatWasChosenBefore) {
     std::filesystem::create_directories(dataFile("").parent_path());

@@ -2,6 +2,7 @@
 
 #include "Platform/Kit/StatusItem.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -33,9 +34,9 @@ public:
     // Never shown by an accessory application. Its key equivalents are for windows in which text can be
     // edited or copied; a host whose windows bring these keys along needs it for nothing else.
     std::shared_ptr<Menu> mainMenu;
-    // The folder of the bundle's texts that are in use, "en"; the host's own texts go by it. Empty for those
-    // of the system's language.
-    std::string localization;
+    // Gives the folder of the bundle's texts that are in use, "en"; the host's own texts go by it. Empty for
+    // those of the system's language.
+    std::function<std::string()> localization;
 
     // Tells the delegate when launching has finished, and returns when the event loop has ended. Once.
     void run();

@@ -53,7 +53,7 @@ TEST_F(AlertTest, GivesThePlaceOfTheButtonThatWasChosen) {
 }
 
 TEST_F(AlertTest, ComesToTheFrontWithItsTextAsItIs) {
-    application.localization = "zh-Hans";
+    application.localization = [] { return "zh-Hans"; };
     choice({}, [&](auto& window) {
         EXPECT_TRUE(comesTrue([&] { return activeWindow(x) == window.winId(); }));
         ASSERT_EQ(window.buttons().size(), 1);

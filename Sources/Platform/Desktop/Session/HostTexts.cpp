@@ -5,9 +5,9 @@
 namespace platform::desktop {
 
 std::string HostTexts::text(const std::string& key) const {
-    auto language = application.localization;
-    if (language.empty())
-        language = preferredLanguageTags().front().starts_with("zh") ? "zh-Hans" : "en";
+    std::string language = preferredLanguageTags().front().starts_with("zh") ? "zh-Hans" : "en";
+    if (application.localization)
+        language = application.localization();
     return textIn(language, key, textIn("en", key, key));
 }
 
