@@ -170,7 +170,8 @@ TEST_F(Onboarding, PagesSayWhatTheyAreAndSlideAlong) {
     expectPage("💬|Lumarin|Write in your language, send in theirs.||Fn|→||[Get Started]", 20);
     pressReturn();
     const std::string head =
-        "🔐|" + permissionTitle + "|This session does not yet let Lumarin notice your key and type for you.|";
+        "🔐|" + permissionTitle
+        + "|This session does not yet let Lumarin detect the key you hold and type for you.|";
     expectPage(head + "Waiting for permission…|[Show How][Skip]", 40);
     permit();
     host.advance(750ms);

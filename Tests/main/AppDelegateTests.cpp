@@ -89,7 +89,7 @@ TEST_F(Launched, ShowsInItsMenuWhatWasChosenBefore) {
 -
 Translation Mode: AI
   Basic  Quick, literal translation
-  *AI  Reads like a native wrote it, with your style and trade terms
+  *AI  Reads like a native speaker wrote it, with your style and trade terms
 Translate Into: Japanese
   English
   Chinese (Simplified)
@@ -225,7 +225,7 @@ TEST_F(Launched, MarksTheMenuWhenThereIsAnUpdate) {
     launch();
     choose("Check for Updates…");
     host.advance(1s);
-    EXPECT_EQ(host.alertsShown.shown.at(0).messageText, "Updates could not be checked");
+    EXPECT_EQ(host.alertsShown.shown.at(0).messageText, "Lumarin could not check for updates");
     delegate->updaterDidFindValidUpdate({});
     EXPECT_NO_THROW(item("🔴 Check for Updates…"));
     delegate->updaterDidNotFindUpdate("");
