@@ -116,7 +116,7 @@ void keepPrivate(const Found& found, const CertificateFiles& pair) {
     if (found.isOurs() && !exposure(pair.key).empty())
         ::chmod(pair.key.c_str(), S_IRUSR | S_IWUSR);
     if (const std::string exposed = exposure(pair.key); !exposed.empty())
-        throw std::runtime_error("The certificate's key is in " + pair.key.string() + ", " + exposed);
+        throw std::runtime_error("The certificate’s key is in " + pair.key.string() + ", " + exposed);
 }
 
 } // namespace

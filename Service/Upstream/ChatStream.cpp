@@ -44,7 +44,7 @@ std::optional<Refusal> breakOff(const std::string& reason) {
         return std::nullopt;
     Refusal refusal(badGateway,
                     is("length") ? "The text is too long for the model: it broke the translation off."
-                    : is("content_filter") ? "The model server's content filter broke the translation off."
+                    : is("content_filter") ? "The model server’s content filter broke the translation off."
                                            : "The model server broke the translation off.",
                     "broken off");
     if (!is("length") && !is("content_filter"))
@@ -95,7 +95,7 @@ void ChatStream::checkEnd() {
         return;
     checkSense();
     if (!hasReason)
-        throw Refusal(badGateway, "The model server's answer ended before it was complete.", "lost");
+        throw Refusal(badGateway, "The model server’s response ended before it was complete.", "lost");
     complete = true;
 }
 

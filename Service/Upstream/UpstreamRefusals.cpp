@@ -18,7 +18,7 @@ constexpr std::chrono::seconds longestWait = 1h;
 
 Refusal unknownModel(const std::string& model, const std::string& number) {
     return {badGateway,
-            model.empty() ? "The model server wants a model that it knows, by the service's --model" + number
+            model.empty() ? "The model server wants a model that it knows, by the service’s --model" + number
                           : "The model server does not know the model “" + model + "”" + number,
             "unknown model"};
 }
@@ -37,7 +37,7 @@ Refusal failedTransfer(CURLcode code, const std::string& sentence) {
     case CURLE_SSL_CONNECT_ERROR:
         return {badGateway, "The model server cannot be trusted. " + sentence, "no upstream"};
     case CURLE_WRITE_ERROR:
-        return {badGateway, "The model server's answer is too long.", "senseless answer"};
+        return {badGateway, "The model server’s response is too long.", "senseless answer"};
     case CURLE_UNSUPPORTED_PROTOCOL:
     case CURLE_WEIRD_SERVER_REPLY:
         return {badGateway, "The model server does not speak HTTP.", "senseless answer"};
@@ -50,14 +50,14 @@ Refusal refusedByUpstream(int status, const std::string& model, std::string_view
                           std::chrono::seconds retryAfter) {
     const std::string number = " (" + std::to_string(status) + ").";
     if (status == 401 || status == 403) // Its words might quote the key.
-        return {badGateway, "The model server refused the service's key" + number, "refused key"};
+        return {badGateway, "The model server refused the service’s key" + number, "refused key"};
     const bool isBusy = status == tooManyRequests || status == unavailable;
     const auto error = UpstreamError::in(body);
     Refusal refusal =
         error.isAboutUnknownModel(status) ? unknownModel(model, number)
         : status == notFound
             ? Refusal(badGateway,
-                      "There is no chat-completions endpoint at the service's --upstream" + number,
+                      "There is no chat-completions endpoint at the service’s --upstream" + number,
                       "no upstream")
         : status == tooManyRequests
             ? Refusal(tooManyRequests, "The model server has too much to do" + number, "upstream rate")
@@ -79,7 +79,7 @@ Refusal failedUpstream(const UpstreamError& error) {
 }
 
 Refusal senselessUpstream() {
-    return {badGateway, "The model server's answer makes no sense: is it a chat-completions endpoint?",
+    return {badGateway, "The model server’s response makes no sense: is it a chat-completions endpoint?",
             "senseless answer"};
 }
 

@@ -23,7 +23,7 @@ std::string localizedDescription(const std::exception& error) {
     // The parser's own words are for programmers. A number too large for it is no parse_error.
     if (dynamic_cast<const nlohmann::json::parse_error*>(&error)
         || dynamic_cast<const nlohmann::json::out_of_range*>(&error))
-        return sentence("The server's answer could not be read.");
+        return sentence("The server’s response could not be read.");
     return error.what();
 }
 

@@ -98,7 +98,7 @@ TEST_F(Localization, TellsOfErrorsInTheLanguageOfTheInterface) {
         try {
             FAIL() << nlohmann::json::parse(answer);
         } catch (const std::exception& error) {
-            EXPECT_EQ(told(error), "The server's answer could not be read.");
+            EXPECT_EQ(told(error), "The server’s response could not be read.");
         }
     }
 }

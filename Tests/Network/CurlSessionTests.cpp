@@ -220,7 +220,7 @@ TEST(CurlSession, ReplacesAConnectionThatTheServerHasClosed) {
 TEST(CurlSession, ReportsTheHeadOfTheAnswerItself) {
     using Lines = std::vector<std::string>;
     const std::string good = "HTTP/1.1 200 OK\r\n";
-    const std::string early = "The answer of 127.0.0.1 ended too early.";
+    const std::string early = "The response from 127.0.0.1 ended too early.";
     const std::tuple<std::string, std::optional<int>, Lines, std::string> cases[] = {
         {"HTTP/1.1 103 Early Hints\r\nLink: <x>\r\n\r\n" + good + "Content-Length: 1\r\n\r\nx",
          200,
@@ -233,7 +233,7 @@ TEST(CurlSession, ReportsTheHeadOfTheAnswerItself) {
         {good + "\r\nuntil\nthe end", 200, {"until", "the end"}, ""},
         {"HTTP/1.1 204 No Content\r\n\r\n", 204, {}, ""},
         {"220 mail.example ESMTP\r\n", std::nullopt, {"220 mail.example ESMTP"}, ""},
-        {"", {}, {}, "127.0.0.1 closed the connection without an answer."},
+        {"", {}, {}, "127.0.0.1 closed the connection without a response."},
         {good + "Content-Length: 9\r\n\r\nx", 200, {}, early},
         {good + "Transfer-Encoding: chunked\r\n\r\n2\r\nx\n\r\n", 200, {"x"}, early},
     };
@@ -277,7 +277,7 @@ TEST(CurlSession, TrustsNoServerThatItCannotVerify) {
     const Identity other(right);
     const std::tuple<std::string, std::optional<std::string>, std::string> cases[] = {
         {right, "its own", ""},
-        {right, std::nullopt, "not trusted"},
+        {right, std::nullopt, "not trusted: it is self-signed."},
         {right, "", "not trusted"},
         {right, "-----BEGIN CERTIFICATE-----\nAAAA\n-----END CERTIFICATE-----\n", "not trusted"},
         {right, other.certificatePEM(), "not trusted"},

@@ -8,7 +8,7 @@ Task<HTTPAnswer> HTTPSession::bytes(HTTPRequest request) {
     auto events = exchange->events;
     auto head = co_await events->next();
     if (!head)
-        throw HTTPError("The server closed the connection without an answer.");
+        throw HTTPError("The server closed the connection without a response.");
     co_return HTTPAnswer(std::get<HTTPResponse>(*head), std::move(exchange), maximumBodyLength);
 }
 
@@ -47,7 +47,7 @@ Task<std::optional<std::string>> HTTPAnswer::nextPiece() {
     auto& piece = std::get<std::string>(*event);
     received += piece.size();
     if (received > maximumBodyLength)
-        throw HTTPError("The server's answer is too long.");
+        throw HTTPError("The server’s response is too long.");
     co_return std::move(piece);
 }
 

@@ -31,7 +31,7 @@ std::optional<std::string> LineSplitter::next() {
     const std::size_t end = std::min(found, buffer_.size());
     searched_ = end;
     if (end - lineStart_ > maximumLineLength)
-        throw std::length_error("A line of the answer is too long.");
+        throw std::length_error("A line of the response is too long.");
     const bool hasEnd = found != std::string::npos;
     if (!hasEnd && (!isFinished_ || end == lineStart_))
         return std::nullopt;

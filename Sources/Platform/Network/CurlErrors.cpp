@@ -10,9 +10,23 @@ HTTPError certificateError(CURL* transfer, const std::string& host) {
     curl_easy_getinfo(transfer, CURLINFO_SSL_VERIFYRESULT, &verdict);
     // The name is looked at first, when there is no verdict yet; libcurl's versions say that in two ways.
     if (verdict == X509_V_OK || verdict == X509_V_ERR_UNSPECIFIED)
-        return HTTPError("The server's certificate is not for %@ but for another host.", host);
-    return HTTPError("The certificate of %@ is not trusted: %@.", host,
-                     X509_verify_cert_error_string(verdict));
+        return HTTPError("The server’s certificate is not for %@ but for another host.", host);
+    switch (verdict) {
+    case X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT:
+        return HTTPError("The certificate of %@ is not trusted: it is self-signed.", host);
+    case X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN:
+    case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT:
+    case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY:
+    case X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE:
+        return HTTPError("The certificate of %@ is not trusted: its issuer is unknown.", host);
+    case X509_V_ERR_CERT_HAS_EXPIRED:
+        return HTTPError("The certificate of %@ has expired.", host);
+    case X509_V_ERR_CERT_NOT_YET_VALID:
+        return HTTPError("The certificate of %@ is not valid yet.", host);
+    default:
+        return HTTPError("The certificate of %@ is not trusted: %@.", host,
+                         X509_verify_cert_error_string(verdict));
+    }
 }
 
 } // namespace
@@ -33,11 +47,11 @@ HTTPError curlError(CURLcode code, CURL* transfer, const std::string& host, cons
     case CURLE_HTTP2_STREAM:
         return HTTPError("The connection to %@ was lost.", host);
     case CURLE_GOT_NOTHING:
-        return HTTPError("%@ closed the connection without an answer.", host);
+        return HTTPError("%@ closed the connection without a response.", host);
     case CURLE_PARTIAL_FILE:
-        return HTTPError("The answer of %@ ended too early.", host);
+        return HTTPError("The response from %@ ended too early.", host);
     case CURLE_WRITE_ERROR: // only ever the answer's end to a reader that has had enough
-        return HTTPError("The answer of %@ is too long.", host);
+        return HTTPError("The response from %@ is too long.", host);
     case CURLE_OPERATION_TIMEDOUT:
         return HTTPError("The request timed out.");
     case CURLE_TOO_MANY_REDIRECTS:
