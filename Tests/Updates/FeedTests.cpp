@@ -162,9 +162,10 @@ TEST_F(UpdatesTest, OffersNothingFromABadFeedAndSaysWhy) {
 }
 
 TEST_F(UpdatesTest, KnowsAnOldFeedFromANewOne) {
-    const std::string newest = feedOf(item("12") + item("13"));
+    const std::string named = "<sparkle:shortVersionString>1.3 “Tea”</sparkle:shortVersionString>";
+    const std::string newest = feedOf(item("12") + item("13", named));
     const std::string older = feedOf(item("12"));
-    const std::string lost = platform::text::format(text("updates.error.older_feed"), {"13"});
+    const std::string lost = platform::text::format(text("updates.error.older_feed"), {"1.3 “Tea”"});
     const std::pair<std::string, std::string> steps[] = {
         {older, ""},
         {newest, ""},

@@ -22,18 +22,19 @@ std::string takeWord(std::string& text) {
 
 } // namespace
 
-// The value is "signed 2.1 https://updates.example/appcast.xml".
+// The value is "signed 12 https://updates.example/appcast.xml 1.2". Earlier programs left the name out.
 FeedHistory::FeedHistory(UserDefaults& keptIn, const std::string& feedAddress)
     : defaults(keptIn), address(feedAddress) {
     std::string value = defaults.string(key).value_or("");
     const std::string mark = takeWord(value);
     const std::string newest = takeWord(value);
     // Another feed has a history of its own.
-    if (value != address)
+    if (takeWord(value) != address)
         return;
     wasSigned = mark == signedMark;
     if (version::isValid(newest))
         newestVersion = newest;
+    newestName = value.empty() ? newest : value;
 }
 
 void FeedHistory::accept(bool isSigned, const std::vector<AppcastItem>& items) {
@@ -45,9 +46,11 @@ void FeedHistory::accept(bool isSigned, const std::vector<AppcastItem>& items) {
         });
     const std::string listed = newest == items.end() ? std::string() : newest->versionString;
     if (!newestVersion.empty() && (listed.empty() || std::is_lt(version::compare(listed, newestVersion))))
-        throw UpdateError("updates.error.older_feed", newestVersion);
-    const std::string value = std::string(isSigned ? signedMark : unsignedMark) + " "
-                              + (listed.empty() ? nothingListed : listed) + " " + address;
+        throw UpdateError("updates.error.older_feed", newestName);
+    std::string value = isSigned ? signedMark : unsignedMark;
+    value += " " + (listed.empty() ? nothingListed : listed) + " " + address;
+    if (!listed.empty())
+        value += " " + newest->displayVersionString;
     if (defaults.string(key) != value)
         defaults.set(key, value);
 }

@@ -21,6 +21,8 @@ private:
     bool wasSigned = false;
     // Empty if the feed has listed nothing yet.
     std::string newestVersion;
+    // What a person calls it.
+    std::string newestName;
 };
 
 } // namespace platform
