@@ -142,6 +142,9 @@ TEST_F(Downloads, ASlowCheckShowsThatItIsUnderWay) {
     host.advance(1ms);
     ASSERT_EQ(host.alertsShown.progress.size(), 1U);
     EXPECT_EQ(host.alertsShown.progress[0].alert.messageText, "Checking for updates…");
+    const int before = host.activations;
+    controller->checkForUpdates();
+    EXPECT_EQ(host.activations, before + 1) << "its window may be covered";
     host.alertsShown.progress[0].cancel();
     host.advance(1s);
     EXPECT_FALSE(host.alertsShown.progress[0].isShown);

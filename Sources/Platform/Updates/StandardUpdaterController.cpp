@@ -169,7 +169,7 @@ StandardUpdaterController::~StandardUpdaterController() {
 
 void StandardUpdaterController::checkForUpdates() {
     if (!underWay.expired())
-        return;
+        return Host::current().activate();
     auto check = std::make_shared<Check>(delegate, texts);
     underWay = check;
     Check::begin(check);

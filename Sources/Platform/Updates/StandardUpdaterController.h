@@ -25,7 +25,8 @@ public:
     StandardUpdaterController(const StandardUpdaterController&) = delete;
     StandardUpdaterController& operator=(const StandardUpdaterController&) = delete;
 
-    // Returns at once. While a check or what follows from it is under way, another one is not begun.
+    // Returns at once. While a check or what follows from it is under way, another one is not begun, but the
+    // program's windows come to the front, that of the first among them.
     void checkForUpdates();
 
 private:
