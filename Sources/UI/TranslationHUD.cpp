@@ -1,5 +1,6 @@
 #include "UI/TranslationHUD.h"
 
+#include "Platform/Foundation/Text.h"
 #include "Platform/Host.h"
 #include "Platform/Kit/AnimationContext.h"
 #include "Platform/Kit/Screen.h"
@@ -18,6 +19,7 @@ using namespace std::chrono_literals;
 constexpr double collapsedWidth = 56;
 constexpr double expandedMinWidth = 120;
 constexpr double expandedMaxWidth = 560;
+constexpr double caretGap = 2;
 // Between the screen's bar and the pill.
 constexpr double topMargin = 14;
 constexpr auto successGreen = Color::calibrated(0.38, 0.82, 0.56, 1.0);
@@ -86,8 +88,12 @@ void TranslationHUD::update(const std::string& text) {
         pill->glowLayer->setFrame({0, 0, width, Pill::pillHeight});
     }
     pill->textField->setFrame(Pill::labelFrame(width));
+    auto caret = Pill::cursorFrame(Pill::inset + textWidth + caretGap);
+    // Such a text ends on the left, however far in the pill that is.
+    if (text::isRightToLeft(text))
+        caret.x = (width - textWidth) / 2 - caretGap - caret.width;
     const auto transaction = Transaction::withActionsDisabled();
-    pill->cursorLayer->setFrame(Pill::cursorFrame(Pill::inset + textWidth + 2));
+    pill->cursorLayer->setFrame(caret);
 }
 
 void TranslationHUD::showFirstText() {

@@ -60,6 +60,15 @@ TEST(Text, TrimsTheWhiteSpaceOfAnyScriptAtBothEndsOnly) {
         EXPECT_EQ(text::trimmed(kept), kept);
 }
 
+TEST(Text, IsReadFromTheSideOfItsFirstLetter) {
+    for (const std::string_view fromTheRight : {"مرحبا", "שלום", "مرحبا Hello", "500 قطعة", " «٥» ؟ ش",
+                                                "😀\xFF مرحبا", "\u2066FOB\u2069 سعر", "\u200Fabc"})
+        EXPECT_TRUE(text::isRightToLeft(fromTheRight)) << fromTheRight;
+    for (const std::string_view fromTheLeft :
+         {"", "500?", "٥٠٠", "\xFF", "Hello مرحبا", "你好 שלום", "500 pcs قطعة", "\u2067سعر\u2069 FOB", "😀"})
+        EXPECT_FALSE(text::isRightToLeft(fromTheLeft)) << fromTheLeft;
+}
+
 TEST(Text, RepairsEachBrokenSequenceOnce) {
     const std::vector<std::pair<std::string_view, std::string>> samples = {
         {"\xFF", replacement},

@@ -170,6 +170,14 @@ TEST_F(TranslationHUDTest, IsAsWideAsItsTextWithinLimitsAboutTheMiddleOfTheScree
     }
 }
 
+TEST_F(TranslationHUDTest, TheCaretStandsWhereTheTextEnds) {
+    hud->show("");
+    for (const auto& [text, left] : {std::pair{"Price: سعر", 118.0}, {"سعر: Price", 16.5}, {"سعر", 41.5}}) {
+        hud->update(text);
+        expectFrame(caret(), {left, 12, 1.5, 20}, text);
+    }
+}
+
 TEST_F(TranslationHUDTest, TurnsGreenSweepsAndPulsesWhenDoneAndComesToRest) {
     hud->show("");
     hud->update(letters(30));

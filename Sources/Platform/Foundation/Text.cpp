@@ -147,6 +147,37 @@ bool isValid(std::string_view text) {
     return true;
 }
 
+bool isRightToLeft(std::string_view text) {
+    std::size_t embraced = 0;
+    for (std::size_t position = 0; position < text.size();) {
+        const Decoded decoded = decode(text, position);
+        position += decoded.length;
+        switch (utf8proc_get_property(static_cast<utf8proc_int32_t>(decoded.codePoint))->bidi_class) {
+        // What is isolated has a direction of its own.
+        case UTF8PROC_BIDI_CLASS_LRI:
+        case UTF8PROC_BIDI_CLASS_RLI:
+        case UTF8PROC_BIDI_CLASS_FSI:
+            ++embraced;
+            break;
+        case UTF8PROC_BIDI_CLASS_PDI:
+            embraced -= std::min<std::size_t>(embraced, 1);
+            break;
+        case UTF8PROC_BIDI_CLASS_L:
+            if (embraced == 0)
+                return false;
+            break;
+        case UTF8PROC_BIDI_CLASS_R:
+        case UTF8PROC_BIDI_CLASS_AL:
+            if (embraced == 0)
+                return true;
+            break;
+        default:
+            break;
+        }
+    }
+    return false;
+}
+
 std::string repaired(std::string_view text) {
     std::string result;
     result.reserve(text.size());

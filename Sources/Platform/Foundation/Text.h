@@ -23,6 +23,9 @@ std::string trimmed(std::string_view text);
 
 bool isValid(std::string_view text);
 
+// Whether a line of the text is read from its right end: its first letter that has a direction decides.
+bool isRightToLeft(std::string_view text);
+
 // The text with every broken sequence replaced by U+FFFD, one for each longest beginning of a character.
 std::string repaired(std::string_view text);
 
