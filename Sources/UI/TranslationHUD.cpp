@@ -36,6 +36,10 @@ double widthFor(double textWidth) {
     return std::clamp(textWidth + 40, expandedMinWidth, expandedMaxWidth);
 }
 
+double bottomUnderBar(const Screen& screen) {
+    return screen.visibleFrame.maxY() - Pill::pillHeight - topMargin;
+}
+
 } // namespace
 
 void TranslationHUD::show(const std::string&) {
@@ -48,8 +52,7 @@ void TranslationHUD::show(const std::string&) {
 void TranslationHUD::bringIn(double width) {
     pill.emplace(width);
     if (const auto screen = Screen::mainScreen())
-        pill->panel->setFrameOrigin({screen->visibleFrame.midX() - width * 0.5,
-                                     screen->visibleFrame.maxY() - Pill::pillHeight - topMargin});
+        pill->panel->setFrameOrigin({screen->visibleFrame.midX() - width * 0.5, bottomUnderBar(*screen)});
     pill->panel->orderFrontRegardless();
 
     auto& body = *pill->visualEffect->layer();
@@ -75,10 +78,13 @@ void TranslationHUD::update(const std::string& text) {
         return;
     const double textWidth = textWidthOf(text);
     const double width = widthFor(textWidth);
-    const Rect frame{screen->visibleFrame.midX() - width * 0.5, pill->panel->frame().y, width,
-                     Pill::pillHeight};
+    const Rect before = pill->panel->frame();
+    // It keeps its height on a screen, whatever becomes of the bar there; another has a height of its own.
+    const bool isThere = screen->frame.contains({before.midX(), before.midY()});
+    const Rect frame{screen->visibleFrame.midX() - width * 0.5, isThere ? before.y : bottomUnderBar(*screen),
+                     width, Pill::pillHeight};
     // A pill on its way there is let arrive: begun anew at each of many texts, it would hardly move.
-    if (frame != pill->panel->frame()) {
+    if (frame != before) {
         AnimationContext::runAnimationGroup([&](AnimationContext& context) {
             context.duration = 180ms;
             context.timingFunction = TimingFunction::easeInEaseOut();

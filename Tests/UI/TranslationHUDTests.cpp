@@ -178,6 +178,16 @@ TEST_F(TranslationHUDTest, TheCaretStandsWhereTheTextEnds) {
     }
 }
 
+TEST_F(TranslationHUDTest, LeavesForAnotherScreenAsAWhole) {
+    hud->show("");
+    for (const Rect& visible : {Rect{1440, 300, 800, 580}, Rect{0, 0, 1440, 875}}) {
+        host.windows.screen = Screen{visible, visible, 1};
+        hud->update(letters(30));
+        host.advance(180ms);
+        expectFrame(pill(), {visible.midX() - 170, visible.maxY() - 58, 340, 44}, "under the bar there");
+    }
+}
+
 TEST_F(TranslationHUDTest, TurnsGreenSweepsAndPulsesWhenDoneAndComesToRest) {
     hud->show("");
     hud->update(letters(30));

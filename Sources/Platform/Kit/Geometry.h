@@ -29,6 +29,10 @@ struct Rect {
     constexpr double midY() const { return y + height / 2; }
     constexpr double maxX() const { return x + width; }
     constexpr double maxY() const { return y + height; }
+    // Of two that touch, only one contains a point between them.
+    constexpr bool contains(const Point& point) const {
+        return point.x >= x && point.x < maxX() && point.y >= y && point.y < maxY();
+    }
 
     bool operator==(const Rect&) const = default;
 };
