@@ -2,6 +2,7 @@
 
 #include "Acceptance/Display.h"
 #include "Desktop/X11/Clipboard/SelectionClient.h"
+#include "Desktop/X11/Clipboard/SelectionProbe.h"
 
 namespace tests {
 

@@ -1,4 +1,5 @@
 #include "Desktop/X11/Clipboard/SelectionClient.h"
+#include "Desktop/X11/Clipboard/SelectionProbe.h"
 #include "Desktop/XServer.h"
 #include "Platform/Desktop/X11/Clipboard/DesktopPasteboard.h"
 #include "Platform/Foundation/Sleep.h"

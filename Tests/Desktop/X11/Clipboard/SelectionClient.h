@@ -1,15 +1,14 @@
 #pragma once
 
 #include "Platform/Desktop/X11/Clipboard/SelectionContent.h"
-#include "Platform/Desktop/X11/Server/XConnection.h"
 
 #include <chrono>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <sys/types.h>
+#include <xcb/xcb.h>
 
 namespace tests {
 
@@ -51,25 +50,6 @@ public:
 private:
     pid_t process;
     xcb_window_t clientWindow = 0;
-};
-
-// The test's own eyes on the clipboard.
-class SelectionProbe {
-public:
-    SelectionProbe();
-
-    // What the clipboard's owner answers, as any program would see it; pieces are taken with a pause before
-    // each.
-    std::optional<platform::desktop::SelectionForm> fetch(const std::string& target,
-                                                          std::chrono::milliseconds pause = {});
-    std::vector<std::string> targets();
-    xcb_window_t owner();
-    // Asks for a target and goes away in the midst of the transfer.
-    void fetchAndVanish(const std::string& target);
-
-private:
-    platform::desktop::XConnection x;
-    xcb_window_t window;
 };
 
 } // namespace tests

@@ -37,7 +37,7 @@ SelectionEffects::SelectionEffects(SelectionThread& ownThread, const SelectionWa
       watch(ownerWatch),
       postedKeys(keys),
       clients(x),
-      frontWindow(thread, clients) {}
+      ping(thread, clients) {}
 
 // Time for each key that the window was not given time for yet. Where it never says that it is through, less
 // after each silence: an application that hangs, or has nothing to copy and no way of telling, costs the
@@ -68,7 +68,7 @@ Task<void> SelectionEffects::gestureBegins() {
 void SelectionEffects::keyTyped() {
     auto key = postedKeys.latest();
     if (key && key->effect == ClipboardEffect::copy && (!lastCopy || lastCopy->key.number != key->number))
-        lastCopy = Copy{*key, frontWindow.ask(key->window), std::nullopt};
+        lastCopy = Copy{*key, ping.ask(key->window), std::nullopt};
 }
 
 Task<CopyOutcome> SelectionEffects::copyDone() {
@@ -122,7 +122,7 @@ Task<void> SelectionEffects::pasteDone() {
         co_return;
     lastPaste = key->number;
     auto limit = std::chrono::steady_clock::now() + patience(*key);
-    auto inquiry = latePaste = frontWindow.ask(key->window);
+    auto inquiry = latePaste = ping.ask(key->window);
     if (inquiry) {
         co_await thread.until([&] { return isAnswered(inquiry); }, limit);
         if (!isAnswered(inquiry)) {
@@ -171,7 +171,7 @@ std::optional<Moment> SelectionEffects::pasteEnd(const PostedKey& key, const Inq
 
 void SelectionEffects::handle(const xcb_generic_event_t& event, const std::optional<OwnerChange>& change) {
     ++events;
-    frontWindow.handle(event);
+    ping.handle(event);
     if (!change || change->owner == XCB_NONE)
         return;
     if (isOpen(overdue) && clients.areOfOneProgram(change->owner, overdue->window))

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Platform/Desktop/Typing/PostedKeys.h"
-#include "Platform/Desktop/X11/Clipboard/FrontWindow.h"
 #include "Platform/Desktop/X11/Clipboard/SelectionOwner.h"
+#include "Platform/Desktop/X11/Clipboard/WindowPing.h"
 
 #include <deque>
 #include <set>
@@ -68,8 +68,8 @@ private:
     const XConnection& x;
     const SelectionWatch& watch;
     PostedKeys& postedKeys;
-    SelectionClients clients;
-    FrontWindow frontWindow;
+    ClientIdentity clients;
+    WindowPing ping;
 
     std::optional<Copy> lastCopy;
     // A copy of another selection that may still come; what its application puts on the clipboard before it

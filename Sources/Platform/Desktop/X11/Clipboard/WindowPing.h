@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/X11/Clipboard/SelectionClients.h"
+#include "Platform/Desktop/X11/Clipboard/ClientIdentity.h"
 #include "Platform/Desktop/X11/Clipboard/SelectionThread.h"
 
 #include <memory>
@@ -23,9 +23,9 @@ struct WorkInquiry {
 
 // Asks windows for a sign of life that stands in line behind the keys typed into them. The pasteboard's
 // thread.
-class FrontWindow {
+class WindowPing {
 public:
-    FrontWindow(SelectionThread& thread, const SelectionClients& clients);
+    WindowPing(SelectionThread& thread, const ClientIdentity& clients);
 
     // Nothing where the window has no way of telling, or is not known to make use of it. Given up after some
     // seconds.
@@ -44,7 +44,7 @@ private:
 
     SelectionThread& thread;
     const XConnection& x;
-    const SelectionClients& clients;
+    const ClientIdentity& clients;
     xcb_window_t window;
     xcb_atom_t protocols;
     xcb_atom_t ping;

@@ -5,9 +5,9 @@
 namespace platform::desktop {
 
 // Tells which windows belong together. The pasteboard's thread.
-class SelectionClients {
+class ClientIdentity {
 public:
-    explicit SelectionClients(const XConnection& connection);
+    explicit ClientIdentity(const XConnection& connection);
 
     // The connection that made a window: the part of its number common to all that the connection made.
     std::uint32_t connectionOf(xcb_window_t window) const { return window & ~idMask; }

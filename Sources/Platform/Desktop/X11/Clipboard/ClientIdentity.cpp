@@ -1,15 +1,15 @@
-#include "Platform/Desktop/X11/Clipboard/SelectionClients.h"
+#include "Platform/Desktop/X11/Clipboard/ClientIdentity.h"
 
 #include <xcb/res.h>
 
 namespace platform::desktop {
 
-SelectionClients::SelectionClients(const XConnection& connection)
+ClientIdentity::ClientIdentity(const XConnection& connection)
     : x(connection),
       idMask(xcb_get_setup(x)->resource_id_mask),
       canTellProcesses(xcb_get_extension_data(x, &xcb_res_id)->present != 0) {}
 
-bool SelectionClients::areOfOneProgram(xcb_window_t one, xcb_window_t other) const {
+bool ClientIdentity::areOfOneProgram(xcb_window_t one, xcb_window_t other) const {
     if (one == XCB_NONE || other == XCB_NONE)
         return false;
     if (connectionOf(one) == connectionOf(other))
@@ -18,7 +18,7 @@ bool SelectionClients::areOfOneProgram(xcb_window_t one, xcb_window_t other) con
     return process && process == processOf(other);
 }
 
-std::optional<std::uint32_t> SelectionClients::processOf(xcb_window_t window) const {
+std::optional<std::uint32_t> ClientIdentity::processOf(xcb_window_t window) const {
     if (!canTellProcesses)
         return std::nullopt;
     const xcb_res_client_id_spec_t question{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/X11/Clipboard/FrontWindow.h"
+#include "Platform/Desktop/X11/Clipboard/WindowPing.h"
 
 #include <algorithm>
 
@@ -15,7 +15,7 @@ constexpr auto inquiryLimit = 10s;
 
 } // namespace
 
-FrontWindow::FrontWindow(SelectionThread& ownThread, const SelectionClients& knownClients)
+WindowPing::WindowPing(SelectionThread& ownThread, const ClientIdentity& knownClients)
     : thread(ownThread),
       x(thread.x()),
       clients(knownClients),
@@ -23,7 +23,7 @@ FrontWindow::FrontWindow(SelectionThread& ownThread, const SelectionClients& kno
       protocols(x.atom("WM_PROTOCOLS")),
       ping(x.atom("_NET_WM_PING")) {}
 
-std::shared_ptr<WorkInquiry> FrontWindow::ask(xcb_window_t target) {
+std::shared_ptr<WorkInquiry> WindowPing::ask(xcb_window_t target) {
     bool ponged = speaksPing(target);
     if (!ponged && !ownsPrimary(target))
         return nullptr;
@@ -42,18 +42,18 @@ std::shared_ptr<WorkInquiry> FrontWindow::ask(xcb_window_t target) {
     return mute.contains(target) ? nullptr : inquiry;
 }
 
-bool FrontWindow::speaksPing(xcb_window_t target) const {
+bool WindowPing::speaksPing(xcb_window_t target) const {
     auto known = x.property(target, protocols);
     return known && std::ranges::count(known->values(), ping) != 0;
 }
 
-bool FrontWindow::ownsPrimary(xcb_window_t target) const {
+bool WindowPing::ownsPrimary(xcb_window_t target) const {
     auto primary = x.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x, XCB_ATOM_PRIMARY));
     return primary && primary->owner != XCB_NONE
            && clients.connectionOf(primary->owner) == clients.connectionOf(target);
 }
 
-void FrontWindow::send(WorkInquiry& inquiry) {
+void WindowPing::send(WorkInquiry& inquiry) {
     // Stamps look like the times that are expected there, and differ.
     auto now = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now().time_since_epoch());
@@ -65,7 +65,7 @@ void FrontWindow::send(WorkInquiry& inquiry) {
         askForPrimary();
 }
 
-void FrontWindow::sendPing(const WorkInquiry& inquiry) const {
+void WindowPing::sendPing(const WorkInquiry& inquiry) const {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
@@ -79,14 +79,14 @@ void FrontWindow::sendPing(const WorkInquiry& inquiry) const {
 
 // A window that does not speak ping, but whose program owns the other selection (it mostly does where text is
 // selected), answers for that one in the same order.
-void FrontWindow::askForPrimary() const {
+void WindowPing::askForPrimary() const {
     auto property = x.atom("LUMARIN_SIGN_OF_LIFE");
     xcb_convert_selection(x, window, XCB_ATOM_PRIMARY, x.atom("TARGETS"), property, XCB_CURRENT_TIME);
 }
 
 // The answers go to the root window, together with all that happens to the windows on it; it is listened to
 // only while an answer is due. Some toolkits address theirs to those who look after the root window itself.
-void FrontWindow::listen() {
+void WindowPing::listen() {
     bool on = !open.empty();
     if (listening == on)
         return;
@@ -96,7 +96,7 @@ void FrontWindow::listen() {
     xcb_change_window_attributes(x, x.root(), XCB_CW_EVENT_MASK, &events);
 }
 
-void FrontWindow::handle(const xcb_generic_event_t& event) {
+void WindowPing::handle(const xcb_generic_event_t& event) {
     switch (event.response_type & 0x7F) {
     case XCB_CLIENT_MESSAGE: {
         const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
@@ -115,7 +115,7 @@ void FrontWindow::handle(const xcb_generic_event_t& event) {
     }
 }
 
-void FrontWindow::answerCame(bool byPing, xcb_window_t target, std::uint32_t stamp) {
+void WindowPing::answerCame(bool byPing, xcb_window_t target, std::uint32_t stamp) {
     for (const auto& inquiry : open) {
         bool meant = inquiry->speaksPing == byPing && (!byPing || inquiry->window == target);
         if (!meant || inquiry->stamp == 0 || inquiry->stamp > stamp)
