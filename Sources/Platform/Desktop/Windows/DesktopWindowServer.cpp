@@ -10,15 +10,11 @@ namespace {
 
 constexpr Duration frameTime = std::chrono::duration_cast<Duration>(std::chrono::duration<double>(1.0 / 60));
 
-bool contains(const Rect& rect, const Point& point) {
-    return point.x >= rect.x && point.x < rect.maxX() && point.y >= rect.y && point.y < rect.maxY();
-}
-
 // The monitor on which a window has its middle.
 const Monitor* monitorUnder(const Window& window, const std::vector<Monitor>& monitors) {
     const auto frame = window.frame();
     const auto found = std::ranges::find_if(monitors, [&](const Monitor& monitor) {
-        return contains(monitor.screen.frame, {frame.midX(), frame.midY()});
+        return monitor.screen.frame.contains({frame.midX(), frame.midY()});
     });
     return found != monitors.end() ? &*found : nullptr;
 }

@@ -115,11 +115,9 @@ Task<void> DesktopPasteboard::writeObjects(std::vector<PasteboardItem> items) {
     const Operation operation(operations);
     co_await effects.pasteDone();
     lastText.reset();
-    // One that cannot be given back now is at the end.
-    borrowed = shared(SelectionContent::of(std::move(items)));
-    if (co_await owner.own(Tenancy::keeping, borrowed))
-        borrowed.reset();
-    else
+    // What another program has put there by then is newer.
+    borrowed.reset();
+    if (!co_await owner.own(Tenancy::keeping, shared(SelectionContent::of(std::move(items)))))
         log("[Clipboard] Another program keeps the clipboard; what was on it before could not be put back");
 }
 

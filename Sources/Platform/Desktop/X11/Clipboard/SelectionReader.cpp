@@ -46,24 +46,24 @@ SelectionReader::SelectionReader(SelectionThread& ownThread, const SelectionWatc
 Task<SelectionContent> SelectionReader::content() {
     const auto deadline = std::chrono::steady_clock::now() + contentLimit;
     for (int change = 0; change < mostOwners; ++change) {
-        const auto owner = watch.owner();
-        if (owner == XCB_NONE)
+        const auto version = watch.changes();
+        if (watch.owner() == XCB_NONE)
             co_return SelectionContent();
-        auto result = co_await contentOf(owner, deadline);
-        if (watch.owner() == owner || thread.isOver())
+        auto result = co_await contentOf(version, deadline);
+        if (watch.changes() == version || thread.isOver())
             co_return result;
     }
     throw PasteboardError("The clipboard changes faster than it can be read");
 }
 
-Task<SelectionContent> SelectionReader::contentOf(xcb_window_t owner, Moment deadline) {
+Task<SelectionContent> SelectionReader::contentOf(unsigned version, Moment deadline) {
     const auto time = co_await thread.serverTime();
     SelectionContent result;
     room = mostBytes;
     int silences = 0;
     std::string missing;
     const auto offered = co_await targets(time, deadline);
-    const auto isThere = [&] { return watch.owner() == owner && !thread.isOver(); };
+    const auto isThere = [&] { return watch.changes() == version && !thread.isOver(); };
     for (auto form : textFirst(offered.value_or(std::vector<xcb_atom_t>()))) {
         if (!isThere() || silences == 2)
             break;

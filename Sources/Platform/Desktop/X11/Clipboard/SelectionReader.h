@@ -30,7 +30,7 @@ private:
         std::optional<XProperty> data;
     };
 
-    Task<SelectionContent> contentOf(xcb_window_t owner, Moment deadline);
+    Task<SelectionContent> contentOf(unsigned version, Moment deadline);
     Task<Answer> ask(xcb_atom_t target, xcb_timestamp_t time, Moment deadline);
     // Nothing of an owner that keeps silent.
     Task<std::optional<std::vector<xcb_atom_t>>> targets(xcb_timestamp_t time, Moment deadline);

@@ -26,6 +26,7 @@ std::optional<OwnerChange> SelectionWatch::handle(const xcb_generic_event_t& eve
     const auto& change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
     // Where the owner went away, the event still names it.
     owner_ = change.subtype == XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER ? change.owner : XCB_NONE;
+    ++changes_;
     return OwnerChange{owner_, change.timestamp, change.selection_timestamp};
 }
 

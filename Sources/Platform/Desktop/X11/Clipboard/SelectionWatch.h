@@ -23,12 +23,16 @@ public:
     // Nobody: XCB_NONE.
     xcb_window_t owner() const { return owner_; }
 
+    // How many there have been: an application that copies anew keeps its window.
+    unsigned changes() const { return changes_; }
+
     // The change an event tells of.
     std::optional<OwnerChange> handle(const xcb_generic_event_t& event);
 
 private:
     std::uint8_t changeEvent;
     xcb_window_t owner_;
+    unsigned changes_ = 0;
 };
 
 } // namespace platform::desktop

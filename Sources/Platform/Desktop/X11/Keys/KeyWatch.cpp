@@ -15,6 +15,9 @@ using namespace std::chrono_literals;
 constexpr KeyEvent functionDown{EventType::flagsChanged, key::function, flag::secondaryFn};
 constexpr KeyEvent functionUp{EventType::flagsChanged, key::function, 0};
 
+// Those behind it are the wheel's.
+constexpr std::uint32_t lastButton = 3;
+
 // What the watch's thread is sent to end it.
 constexpr xcb_atom_t endMessage = XCB_ATOM_INTEGER;
 
@@ -118,7 +121,7 @@ void KeyWatch::handle(const xcb_generic_event_t& event) {
             return;
         if (input.event_type == XCB_INPUT_HIERARCHY)
             handleDevices(reinterpret_cast<const xcb_input_hierarchy_event_t&>(event));
-        else if (input.event_type == XCB_INPUT_RAW_BUTTON_PRESS)
+        else if (input.event_type == XCB_INPUT_RAW_BUTTON_PRESS && input.detail <= lastButton)
             postedKeys.recordUsersAct();
         else if (input.event_type == XCB_INPUT_RAW_KEY_PRESS || input.event_type == XCB_INPUT_RAW_KEY_RELEASE)
             handleRawKey(input);
