@@ -119,7 +119,10 @@ TEST_F(PasteboardTest, PastesNothingWhileAnotherProgramInsistsOnTheClipboard) {
     {
         // It takes the clipboard once.
         const SelectionClient late({.owned = {{other}}});
-        EXPECT_TRUE(comesTrue([&] { return probe.fetch("UTF8_STRING")->bytes == "first"; }));
+        EXPECT_TRUE(comesTrue([&] {
+            const auto found = probe.fetch("UTF8_STRING");
+            return found && found->bytes == "first";
+        }));
     }
     run(pasteboard().clearContents());
     std::atomic<bool> isOver = false;
