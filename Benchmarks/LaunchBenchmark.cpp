@@ -130,6 +130,11 @@ void measureMenu(int argumentCount, char** arguments) {
     Machine machine(folder);
     const auto delegate = std::make_shared<lumarin::AppDelegate>();
     delegate->applicationDidFinishLaunching();
+    // The icon comes once the panel has answered.
+    tests::comesTrue([&] {
+        QCoreApplication::processEvents();
+        return delegate->statusItem()->isVisible();
+    });
     panel.awaitItem();
     std::vector<double> times;
     for (int change = 0; change < changes; ++change) {
