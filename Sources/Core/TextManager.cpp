@@ -1,6 +1,5 @@
 #include "Core/TextManager.h"
 
-#include "Core/TextManagerError.h"
 #include "Platform/Foundation/Sleep.h"
 #include "Platform/Host.h"
 #include "Platform/Input/PasteboardError.h"
@@ -28,7 +27,8 @@ Task<void> postKey(int keyCode, std::uint64_t flags) {
 Task<std::string> TextManager::readCurrentText() {
     co_await platform::resumeOn(Host::current().backgroundExecutor());
     std::string text;
-    co_await keepingClipboard([this, &text]() -> Task<void> { text = co_await copyFocusedText(); });
+    co_await keepingClipboard(TextManagerError::Case::readFailed,
+                              [this, &text]() -> Task<void> { text = co_await copyFocusedText(); });
     if (text.empty())
         throw TextManagerError(TextManagerError::Case::emptyText);
     co_return text;
@@ -36,16 +36,17 @@ Task<std::string> TextManager::readCurrentText() {
 
 Task<void> TextManager::writeText(std::string text) {
     co_await platform::resumeOn(Host::current().backgroundExecutor());
-    co_await keepingClipboard([this, &text]() -> Task<void> { return pasteOver(std::move(text)); });
+    co_await keepingClipboard(TextManagerError::Case::writeFailed,
+                              [this, &text]() -> Task<void> { return pasteOver(std::move(text)); });
 }
 
 // Whatever ends the work, a cancellation too, the clipboard is put back before it goes on.
 template <typename Work>
-Task<void> TextManager::keepingClipboard(Work work) {
+Task<void> TextManager::keepingClipboard(TextManagerError::Case unsaved, Work work) {
     try {
         co_await clipboardGuard.save();
     } catch (const platform::PasteboardError&) {
-        throw TextManagerError(TextManagerError::Case::readFailed);
+        throw TextManagerError(unsaved);
     }
     std::exception_ptr failure;
     try {

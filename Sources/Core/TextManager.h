@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/ClipboardGuard.h"
+#include "Core/TextManagerError.h"
 #include "Platform/Foundation/Task.h"
 #include "Platform/Input/KeyEvent.h"
 
@@ -27,8 +28,9 @@ private:
     platform::Task<std::string> copyFocusedText();
     platform::Task<std::string> copyAttempt();
     platform::Task<void> pasteOver(std::string text);
+    // Throws `unsaved` before the clipboard is touched where its contents cannot be had.
     template <typename Work>
-    platform::Task<void> keepingClipboard(Work work);
+    platform::Task<void> keepingClipboard(TextManagerError::Case unsaved, Work work);
 
     platform::Task<void> simulateKeyCombo(KeyCode key, std::uint64_t flags);
 

@@ -114,17 +114,6 @@ TEST_F(PasteboardTest, HandsOutAFormWithAStrangeName) {
 }
 
 TEST_F(PasteboardTest, PastesNothingWhileAnotherProgramInsistsOnTheClipboard) {
-    const SelectionForm other{"UTF8_STRING", "UTF8_STRING", 8, "another's"};
-    run(pasteboard().setString("first"));
-    {
-        // It takes the clipboard once.
-        const SelectionClient late({.owned = {{other}}});
-        EXPECT_TRUE(comesTrue([&] {
-            const auto found = probe.fetch("UTF8_STRING");
-            return found && found->bytes == "first";
-        }));
-    }
-    run(pasteboard().clearContents());
     std::atomic<bool> isOver = false;
     std::jthread insistent([&] {
         const platform::desktop::XConnection x;
@@ -138,6 +127,7 @@ TEST_F(PasteboardTest, PastesNothingWhileAnotherProgramInsistsOnTheClipboard) {
     // It may not get the processor for a moment.
     EXPECT_TRUE(comesTrue([&] {
         try {
+            run(pasteboard().clearContents());
             run(pasteboard().setString("never"));
         } catch (const platform::PasteboardError&) {
             return true;
@@ -145,6 +135,15 @@ TEST_F(PasteboardTest, PastesNothingWhileAnotherProgramInsistsOnTheClipboard) {
         return false;
     }));
     isOver = true;
+    insistent.join();
+
+    // It takes the clipboard once.
+    run(pasteboard().setString("first"));
+    const SelectionClient late({.owned = {{{"UTF8_STRING", "UTF8_STRING", 8, "another's"}}}});
+    EXPECT_TRUE(comesTrue([&] {
+        const auto found = probe.fetch("UTF8_STRING");
+        return found && found->bytes == "first";
+    }));
 }
 
 TEST_F(PasteboardTest, ReadsTextWhateverItsOwnerCallsIt) {
@@ -186,6 +185,8 @@ TEST_F(PasteboardTest, LeavesAnEmptyClipboardToNobody) {
 TEST_F(PasteboardTest, EndsItsWaitForOwnersThatStop) {
     const SelectionForm small{"image/png", "image/png", 8, "pixels"};
     const SelectionForm big{"image/png", "image/png", 8, bytesOfLength(50'000)};
+    const SelectionForm caption{"text/html", "text/html", 8, "caption"};
+    const SelectionForm bitmap{"image/bmp", "image/bmp", 8, "pixels"};
     struct Case {
         ClientScript script;
         // None: it must not be cleared, since nothing of it can be put back.
@@ -195,6 +196,8 @@ TEST_F(PasteboardTest, EndsItsWaitForOwnersThatStop) {
         {{.owned = {{small}}, .neverAnswers = true}, std::nullopt},
         {{.owned = {{small}}, .diesWhenAskedForData = true}, 0},
         {{.owned = {{big}}, .pieceSize = 1000, .stopsAfterPieces = 3}, std::nullopt},
+        {{.owned = {{caption, big}}, .pieceSize = 1000, .stopsAfterPieces = 3}, std::nullopt},
+        {{.owned = {{caption, big, bitmap}}, .pieceSize = 1000, .stopsAfterPieces = 3}, 1},
         {{.owned = {{small}}, .answerDelay = ClientScript::Milliseconds(900)}, 1},
     };
     for (std::size_t at = 0; at < std::size(cases); ++at) {

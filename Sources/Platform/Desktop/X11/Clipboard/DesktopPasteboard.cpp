@@ -14,7 +14,7 @@ const SelectionForm inPassing{"x-kde-passwordManagerHint", "x-kde-passwordManage
 // A clipboard is cleared for a key that is posted at once, or for good.
 constexpr auto keyDelay = 100ms;
 
-// A program that wants the clipboard for itself takes it back as soon as it hears of the new owner.
+// Where a program wants the clipboard for itself, it takes it as soon as it hears of the new owner.
 constexpr auto untouchedTime = 3ms;
 
 // More than any operation takes.
@@ -130,7 +130,7 @@ Task<void> DesktopPasteboard::setString(std::string text) {
     content.forms.push_back(inPassing);
     const bool isOwned = co_await owner.own(Tenancy::paste, shared(std::move(content)));
     const auto holds = [&] { return isOwned && owner.holdsForPaste(); };
-    for (int touched = -1; holds() && touched != owner.reclaims();) {
+    for (int touched = -1; owner.isContested() && holds() && touched != owner.reclaims();) {
         touched = owner.reclaims();
         co_await thread.until([&] { return !holds() || touched != owner.reclaims(); }, untouchedTime);
     }
@@ -150,7 +150,7 @@ Task<std::optional<std::string>> DesktopPasteboard::string() {
         co_return content->text();
     bool copiedByOther = outcome == CopyOutcome::notCopied;
     // The front application's is of an earlier copy; a clipboard manager's was there before.
-    if (copiedByOther && (effects.isOwnedByFrontApplication() || effects.isKeptByManager()))
+    if (copiedByOther && (effects.isOfFrontApplication(watch.owner()) || effects.isKeptByManager()))
         co_return std::nullopt;
     auto text = co_await reader.text();
     if (copiedByOther && text == lastText)

@@ -30,6 +30,14 @@ std::string encodedType(const SelectionForm& form) {
     return form.target + separator + form.type + separator + std::to_string(form.format);
 }
 
+// The kind of a media type; text also for the names that the X server's programs have for it.
+std::string_view kindOf(std::string_view target) {
+    if (std::ranges::count(textTargets, target) != 0 || target == "TEXT" || target == "COMPOUND_TEXT")
+        return "text";
+    const auto kind = target.substr(0, target.find('/'));
+    return kind.size() == target.size() || kind == "application" || kind.starts_with("x-") ? "" : kind;
+}
+
 // Nothing where the text has a character that Latin-1 lacks.
 std::optional<std::string> latin1(std::string_view text) {
     std::string result;
@@ -81,6 +89,12 @@ PasteboardItem SelectionContent::item() const {
 const SelectionForm* SelectionContent::form(std::string_view target) const {
     auto found = std::ranges::find(forms, target, &SelectionForm::target);
     return found == forms.end() ? nullptr : &*found;
+}
+
+bool SelectionContent::hasKindOf(std::string_view target) const {
+    const auto kind = kindOf(target);
+    return std::ranges::any_of(forms,
+                               [&](const auto& form) { return kind.empty() || kindOf(form.target) == kind; });
 }
 
 std::optional<std::string> SelectionContent::text() const {

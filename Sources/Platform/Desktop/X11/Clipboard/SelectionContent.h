@@ -30,6 +30,10 @@ struct SelectionContent {
 
     const SelectionForm* form(std::string_view target) const;
 
+    // Whether a form of the name may be missing: there is another one that carries the like of it, text for a
+    // text, a picture for a picture. What only one program understands stands beside any other form.
+    bool hasKindOf(std::string_view target) const;
+
     // The plain text, in valid UTF-8.
     std::optional<std::string> text() const;
 };

@@ -7,11 +7,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// An application may be busy for a second before each key.
-constexpr auto keyLimit = 1250ms;
-constexpr std::uint64_t mostKeys = 3;
-// For a window that has kept silent twice.
-constexpr auto silentLimit = 100ms;
 // A copy goes through another connection of the application, or another process of its input method.
 constexpr auto copyGrace = 1ms;
 // Some applications fetch a text twice.
@@ -39,28 +34,10 @@ SelectionEffects::SelectionEffects(SelectionThread& ownThread, const SelectionWa
       clients(x),
       ping(thread, clients) {}
 
-// Time for each key that the window was not given time for yet. Where it never says that it is through, less
-// after each silence: an application that hangs, or has nothing to copy and no way of telling, costs the
-// whole time once or twice.
-Duration SelectionEffects::patience(const PostedKey& key) {
-    if (window != key.window) {
-        window = key.window;
-        attended = key.number - 1;
-        silences = 0;
-    }
-    auto pending = std::clamp<std::uint64_t>(key.number - attended, 1, mostKeys);
-    attended = key.number;
-    if (silences == 0)
-        return keyLimit * static_cast<int>(pending);
-    return silences == 1 ? keyLimit : silentLimit;
-}
-
 Task<void> SelectionEffects::gestureBegins() {
     if (lastCopy && isOpen(lastCopy->inquiry))
-        co_await thread.until([this] { return !isOpen(lastCopy->inquiry); }, patience(lastCopy->key));
-    silences = 0;
-    if (auto key = postedKeys.latest(); key && key->time + keyLimit < std::chrono::steady_clock::now())
-        attended = key->number;
+        co_await thread.until([this] { return !isOpen(lastCopy->inquiry); }, patience.with(lastCopy->key));
+    patience.gestureBegins(postedKeys.latest(), std::chrono::steady_clock::now());
 }
 
 // Asks at once, so that the answer mostly is there by the time it is waited for; and also where nothing will
@@ -79,7 +56,7 @@ Task<CopyOutcome> SelectionEffects::copyDone() {
     if (lastCopy->copied)
         co_return *lastCopy->copied ? CopyOutcome::copied : CopyOutcome::notCopied;
 
-    const auto limit = std::chrono::steady_clock::now() + patience(*key);
+    const auto limit = std::chrono::steady_clock::now() + patience.with(*key);
     const auto inquiry = lastCopy->inquiry;
     bool copied = frontHasCopied(key->window);
     while (!copied) {
@@ -93,9 +70,9 @@ Task<CopyOutcome> SelectionEffects::copyDone() {
             break;
     }
     if (copied || isAnswered(inquiry))
-        silences = 0;
+        patience.answered();
     else
-        ++silences;
+        patience.keptSilent();
     lastCopy->copied = copied;
     co_return copied ? CopyOutcome::copied : CopyOutcome::notCopied;
 }
@@ -121,17 +98,17 @@ Task<void> SelectionEffects::pasteDone() {
     if (!key || key->effect != ClipboardEffect::paste || key->number == lastPaste || key->time < termStart)
         co_return;
     lastPaste = key->number;
-    auto limit = std::chrono::steady_clock::now() + patience(*key);
+    auto limit = std::chrono::steady_clock::now() + patience.with(*key);
     auto inquiry = latePaste = ping.ask(key->window);
     if (inquiry) {
         co_await thread.until([&] { return isAnswered(inquiry); }, limit);
         if (!isAnswered(inquiry)) {
-            ++silences;
+            patience.keptSilent();
             co_return;
         }
-        silences = 0;
+        patience.answered();
         // It may have handled the key and fetch the text later.
-        limit = std::chrono::steady_clock::now() + keyLimit;
+        limit = std::chrono::steady_clock::now() + Patience::forKey;
     }
     while (std::chrono::steady_clock::now() < limit) {
         auto end = std::min(limit, pasteEnd(*key, inquiry).value_or(limit));
@@ -194,6 +171,11 @@ bool SelectionEffects::isLateForPaste(xcb_window_t requestor) {
     return isOpen(latePaste) && clients.areOfOneProgram(requestor, latePaste->window);
 }
 
+bool SelectionEffects::isOfFrontApplication(xcb_window_t owner) const {
+    auto key = postedKeys.latest();
+    return key && clients.areOfOneProgram(owner, key->window);
+}
+
 bool SelectionEffects::isLateCopy(xcb_window_t newOwner) {
     if (!lastCopy || !clients.areOfOneProgram(newOwner, lastCopy->key.window))
         return false;
@@ -201,18 +183,14 @@ bool SelectionEffects::isLateCopy(xcb_window_t newOwner) {
         return isOpen(lastCopy->inquiry);
     // What the user has done since may be a copy of their own.
     return lastCopy->copied == false && postedKeys.lastUsersAct() < lastCopy->key.time
-           && std::chrono::steady_clock::now() < lastCopy->key.time + keyLimit * mostKeys;
+           && std::chrono::steady_clock::now()
+                  < lastCopy->key.time + Patience::forKey * static_cast<int>(Patience::mostKeys);
 }
 
 bool SelectionEffects::isKeptByManager() const {
     auto manager =
         x.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(x, x.atom("CLIPBOARD_MANAGER")));
     return manager && clients.areOfOneProgram(watch.owner(), manager->owner);
-}
-
-bool SelectionEffects::isOwnedByFrontApplication() const {
-    auto key = postedKeys.latest();
-    return key && clients.areOfOneProgram(watch.owner(), key->window);
 }
 
 } // namespace platform::desktop

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/Typing/PostedKeys.h"
+#include "Platform/Desktop/X11/Clipboard/Patience.h"
 #include "Platform/Desktop/X11/Clipboard/SelectionOwner.h"
 #include "Platform/Desktop/X11/Clipboard/WindowPing.h"
 
@@ -33,8 +33,6 @@ public:
 
     // Whether the clipboard's present owner is a program that keeps clipboards.
     bool isKeptByManager() const;
-    // Whether it is the application that the last combination went to.
-    bool isOwnedByFrontApplication() const;
 
     void handle(const xcb_generic_event_t& event, const std::optional<OwnerChange>& change);
 
@@ -44,6 +42,7 @@ public:
     bool areOfOneProgram(xcb_window_t one, xcb_window_t other) const override {
         return clients.areOfOneProgram(one, other);
     }
+    bool isOfFrontApplication(xcb_window_t owner) const override;
     bool isLateCopy(xcb_window_t newOwner) override;
 
 private:
@@ -62,7 +61,6 @@ private:
 
     bool frontHasCopied(xcb_window_t front) const;
     std::optional<Moment> pasteEnd(const PostedKey& key, const Inquiry& inquiry) const;
-    Duration patience(const PostedKey& key);
 
     SelectionThread& thread;
     const XConnection& x;
@@ -85,10 +83,7 @@ private:
     // Connections that look at the clipboard whenever it changes.
     std::set<std::uint32_t> watchers;
 
-    // How the front window answers: the last key it was given time for, and how often it has kept silent.
-    xcb_window_t window = XCB_NONE;
-    std::uint64_t attended = 0;
-    int silences = 0;
+    Patience patience;
     std::uint64_t events = 0;
 };
 

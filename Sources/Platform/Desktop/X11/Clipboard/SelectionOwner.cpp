@@ -97,6 +97,7 @@ void SelectionOwner::handle(const xcb_generic_event_t& event, const std::optiona
 }
 
 void SelectionOwner::ownerChanged(const OwnerChange& change) {
+    contested |= isUncalledFor(change);
     if (change.owner == window) {
         if (wanted && wanted->since == change.since) {
             endTerm(change.since);
@@ -109,24 +110,34 @@ void SelectionOwner::ownerChanged(const OwnerChange& change) {
         ++current->reclaims;
         xcb_set_selection_owner(x, window, clipboard, change.time);
     } else {
-        isInheritedWithText = current && std::ranges::any_of(current->served, [&](xcb_window_t served) {
-                                  return observer.areOfOneProgram(served, change.owner);
-                              });
+        isInheritedWithText = isServed(change.owner);
         endTerm(change.time);
     }
 }
 
-// A program that takes the clipboard while a text is there to be pasted, without having looked at it, would
-// have its own content pasted over the user's text.
+// Taken while it holds nothing for a copy to come, or a text to be pasted, without having looked at that.
+bool SelectionOwner::isUncalledFor(const OwnerChange& change) const {
+    if (!current || change.owner == XCB_NONE || change.owner == window)
+        return false;
+    if (current->tenancy == Tenancy::empty)
+        return !observer.isOfFrontApplication(change.owner);
+    return current->tenancy == Tenancy::paste && !isServed(change.owner);
+}
+
+// Another program's content would be pasted over the user's text.
 bool SelectionOwner::isToBeTakenBack(const OwnerChange& change) const {
     if (!current || wanted || change.owner == XCB_NONE || current->reclaims >= mostReclaims)
         return false;
     if (current->tenancy == Tenancy::keeping)
         return observer.isLateCopy(change.owner);
-    return current->tenancy == Tenancy::paste
-           && std::ranges::none_of(current->served, [&](xcb_window_t served) {
-                  return observer.areOfOneProgram(served, change.owner);
-              });
+    return current->tenancy == Tenancy::paste && isUncalledFor(change);
+}
+
+// Whether its program has been given what is owned now.
+bool SelectionOwner::isServed(xcb_window_t owner) const {
+    return current && std::ranges::any_of(current->served, [&](xcb_window_t served) {
+               return observer.areOfOneProgram(served, owner);
+           });
 }
 
 void SelectionOwner::endTerm(xcb_timestamp_t time) {

@@ -21,6 +21,8 @@ public:
         // Whether the requestor still does what the last text to be pasted was there for.
         virtual bool isLateForPaste(xcb_window_t requestor) = 0;
         virtual bool areOfOneProgram(xcb_window_t one, xcb_window_t other) const = 0;
+        // Whether it belongs to the application that the last combination went to.
+        virtual bool isOfFrontApplication(xcb_window_t owner) const = 0;
         // Whether a program that took the clipboard did so for a copy that is over for the user.
         virtual bool isLateCopy(xcb_window_t newOwner) = 0;
     };
@@ -35,6 +37,8 @@ public:
     bool holdsForPaste() const;
     // How often it had to be taken back from others since it was taken.
     int reclaims() const { return current ? current->reclaims : 0; }
+    // Whether there is a program that takes the clipboard for itself in the midst of a gesture.
+    bool isContested() const { return contested; }
 
     // Leaves the clipboard to nobody, if it is still owned for the same reason as at `since`.
     void disown(xcb_timestamp_t since);
@@ -65,7 +69,9 @@ private:
     };
 
     void ownerChanged(const OwnerChange& change);
+    bool isUncalledFor(const OwnerChange& change) const;
     bool isToBeTakenBack(const OwnerChange& change) const;
+    bool isServed(xcb_window_t owner) const;
     void endTerm(xcb_timestamp_t time);
     void answer(const xcb_selection_request_event_t& request);
     Term* termFor(const xcb_selection_request_event_t& request);
@@ -86,6 +92,7 @@ private:
     std::optional<Term> pasted;
     // Of the last term for a paste: it went to a program that has the text.
     bool isInheritedWithText = false;
+    bool contested = false;
     bool handedOver = false;
 };
 

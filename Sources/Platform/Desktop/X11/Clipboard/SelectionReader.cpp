@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
+#include <numeric>
 #include <utility>
 
 namespace platform::desktop {
@@ -58,45 +60,60 @@ Task<SelectionContent> SelectionReader::content() {
 
 Task<SelectionContent> SelectionReader::contentOf(unsigned version, Moment deadline) {
     const auto time = co_await thread.serverTime();
-    SelectionContent result;
     room = mostBytes;
     int silences = 0;
-    std::string missing;
-    const auto offered = co_await targets(time, deadline);
+    std::vector<std::string> missing;
+    const auto targets = co_await offeredTargets(time, deadline);
+    const auto offered = targets.value_or(std::vector<xcb_atom_t>());
+    std::map<std::size_t, SelectionForm> found;
     const auto isThere = [&] { return watch.changes() == version && !thread.isOver(); };
-    for (auto form : textFirst(offered.value_or(std::vector<xcb_atom_t>()))) {
+    for (auto place : textFirst(offered)) {
         if (!isThere() || silences == 2)
             break;
+        const auto form = offered[place];
         auto name = x.nameOf(form);
-        if (std::ranges::count(notForms, name) != 0 || result.form(name))
+        if (std::ranges::count(notForms, name) != 0
+            || std::find(offered.begin(), offered.end(), form) - offered.begin()
+                   < static_cast<std::ptrdiff_t>(place))
             continue;
         auto answer = co_await ask(form, time, deadline);
         silences = answer.came ? 0 : silences + 1;
         if (answer.isCutOff || !answer.came)
-            missing += ' ' + name;
+            missing.push_back(name);
         if (!answer.data)
             continue;
         auto type = answer.data->type == form ? name : x.nameOf(answer.data->type);
         if (std::ranges::count(resources, type) == 0) {
             room -= std::min(room, answer.data->bytes.size());
-            result.forms.push_back({name, type, answer.data->format, std::move(answer.data->bytes)});
+            found[place] = {name, type, answer.data->format, std::move(answer.data->bytes)};
         }
     }
-    if (isThere() && (!offered || silences == 2 || (result.forms.empty() && !missing.empty())))
+    SelectionContent result;
+    for (auto& [place, form] : found)
+        result.forms.push_back(std::move(form));
+    if (!isThere())
+        co_return result;
+    if (!targets || silences == 2
+        || std::ranges::any_of(missing, [&](const auto& name) { return !result.hasKindOf(name); }))
         throw PasteboardError("The program that owns the clipboard does not hand out what is on it");
-    if (isThere() && !missing.empty())
-        log("[Clipboard] Too slow or too big to be kept:" + missing);
+    for (const auto& name : missing)
+        log("[Clipboard] Too slow or too big to be kept: " + name);
     co_return result;
 }
 
-std::vector<xcb_atom_t> SelectionReader::textFirst(std::vector<xcb_atom_t> forms) const {
-    std::ranges::stable_partition(forms, [this](xcb_atom_t form) {
-        return std::ranges::any_of(textTargets, [&](const char* text) { return x.atom(text) == form; });
+// Their places in the list.
+std::vector<std::size_t> SelectionReader::textFirst(const std::vector<xcb_atom_t>& forms) const {
+    std::vector<std::size_t> places(forms.size());
+    std::iota(places.begin(), places.end(), std::size_t{0});
+    std::ranges::stable_partition(places, [&](std::size_t place) {
+        return std::ranges::any_of(textTargets,
+                                   [&](const char* text) { return x.atom(text) == forms[place]; });
     });
-    return forms;
+    return places;
 }
 
-Task<std::optional<std::vector<xcb_atom_t>>> SelectionReader::targets(xcb_timestamp_t time, Moment deadline) {
+Task<std::optional<std::vector<xcb_atom_t>>> SelectionReader::offeredTargets(xcb_timestamp_t time,
+                                                                             Moment deadline) {
     auto answer = co_await ask(x.atom("TARGETS"), time, deadline);
     if (answer.data)
         co_return answer.data->values();

@@ -11,9 +11,9 @@ class SelectionReader {
 public:
     SelectionReader(SelectionThread& thread, const SelectionWatch& watch, const LogSink& log);
 
-    // Everything the owner has, the text first. Nothing of an owner that is dead or refuses; a form that
-    // stops on its way or is too big is left out and logged. Throws PasteboardError where the owner lives and
-    // nothing of what it has can be had.
+    // Everything the owner has; nothing of an owner that is dead or refuses. A form that stops on its way or
+    // is too big is left out and logged, if there is another one of its kind. Throws PasteboardError where
+    // the owner lives and a kind of what it has can't be had.
     Task<SelectionContent> content();
 
     // The plain text, in valid UTF-8.
@@ -33,9 +33,9 @@ private:
     Task<SelectionContent> contentOf(unsigned version, Moment deadline);
     Task<Answer> ask(xcb_atom_t target, xcb_timestamp_t time, Moment deadline);
     // Nothing of an owner that keeps silent.
-    Task<std::optional<std::vector<xcb_atom_t>>> targets(xcb_timestamp_t time, Moment deadline);
+    Task<std::optional<std::vector<xcb_atom_t>>> offeredTargets(xcb_timestamp_t time, Moment deadline);
     Task<std::optional<XProperty>> receivePieces(xcb_atom_t property, Moment deadline);
-    std::vector<xcb_atom_t> textFirst(std::vector<xcb_atom_t> forms) const;
+    std::vector<std::size_t> textFirst(const std::vector<xcb_atom_t>& forms) const;
 
     SelectionThread& thread;
     const XConnection& x;
