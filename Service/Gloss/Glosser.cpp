@@ -18,7 +18,7 @@ struct Mark {
     Kind kind;
 };
 
-constexpr std::array marks{
+constexpr std::array punctuation{
     Mark{"，", ",", Kind::closing},   Mark{"。", ".", Kind::closing},  Mark{"！", "!", Kind::closing},
     Mark{"？", "?", Kind::closing},   Mark{"；", ";", Kind::closing},  Mark{"：", ":", Kind::closing},
     Mark{"、", ",", Kind::closing},   Mark{"（", "(", Kind::opening},  Mark{"）", ")", Kind::closing},
@@ -28,7 +28,7 @@ constexpr std::array marks{
     Mark{"……", "...", Kind::closing}, Mark{"——", "—", Kind::separate}, Mark{"～", "~", Kind::joining},
 };
 
-constexpr auto blanks = std::to_array<std::string_view>({" ", "\t", "\r", "\n", "\u3000"});
+constexpr auto blankCharacters = std::to_array<std::string_view>({" ", "\t", "\r", "\n", "\u3000"});
 
 // The figure a text ends with, which may have a blank or a "ten thousand" behind it; of a long one the end.
 std::string_view figureAtEnd(std::string_view text) {
@@ -79,7 +79,7 @@ bool Glosser::takeKnown() {
 
 bool Glosser::takeBlank() {
     auto character = characterAt(text, position);
-    if (std::ranges::find(blanks, character) == blanks.end())
+    if (std::ranges::find(blankCharacters, character) == blankCharacters.end())
         return false;
     writer.blank(character);
     position += character.size();
@@ -88,8 +88,8 @@ bool Glosser::takeBlank() {
 
 bool Glosser::takeMark() {
     const auto* mark =
-        std::ranges::find_if(marks, [&](const auto& each) { return rest().starts_with(each.chinese); });
-    if (mark == marks.end())
+        std::ranges::find_if(punctuation, [&](const auto& each) { return rest().starts_with(each.chinese); });
+    if (mark == punctuation.end())
         return false;
     // 1、 numbers an item; anywhere else 、 is the comma of a list.
     bool numbersItem = mark->chinese == "、" && writer.lineIsNumber();

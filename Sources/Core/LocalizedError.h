@@ -23,6 +23,12 @@ private:
     std::string printedForm;
 };
 
+// Of one case of an error: its name, for the log, and the key of its sentence.
+struct ErrorWording {
+    const char* name = nullptr;
+    const char* key = nullptr;
+};
+
 // What a person is told of any error, in the interface language of the moment where there is a sentence in
 // it.
 std::string localizedDescription(const std::exception& error);

@@ -5,12 +5,7 @@
 namespace lumarin {
 namespace {
 
-struct Description {
-    const char* name;
-    const char* key;
-};
-
-Description describe(TextManagerError::Case errorCase) {
+ErrorWording wordingOf(TextManagerError::Case errorCase) {
     switch (errorCase) {
     case TextManagerError::Case::noFocusedElement:
         return {"noFocusedElement", "error.no_input_field"};
@@ -26,10 +21,10 @@ Description describe(TextManagerError::Case errorCase) {
 
 } // namespace
 
-TextManagerError::TextManagerError(Case which) : LocalizedError(describe(which).name), errorCase(which) {}
+TextManagerError::TextManagerError(Case which) : LocalizedError(wordingOf(which).name), errorCase(which) {}
 
 std::string TextManagerError::errorDescription() const {
-    return LocalizationManager::shared().localized(describe(errorCase).key);
+    return LocalizationManager::shared().localized(wordingOf(errorCase).key);
 }
 
 } // namespace lumarin

@@ -6,12 +6,7 @@
 namespace lumarin {
 namespace {
 
-struct Description {
-    const char* name;
-    const char* key;
-};
-
-Description describe(TranslationError::Case errorCase) {
+ErrorWording wordingOf(TranslationError::Case errorCase) {
     switch (errorCase) {
     case TranslationError::Case::networkError:
         return {"networkError", "error.network"};
@@ -29,15 +24,15 @@ Description describe(TranslationError::Case errorCase) {
 
 } // namespace
 
-TranslationError::TranslationError(Case which) : LocalizedError(describe(which).name), errorCase(which) {}
+TranslationError::TranslationError(Case which) : LocalizedError(wordingOf(which).name), errorCase(which) {}
 
 TranslationError::TranslationError(Case which, std::string text)
-    : LocalizedError(std::string(describe(which).name) + "(\"" + text + "\")"),
+    : LocalizedError(std::string(wordingOf(which).name) + "(\"" + text + "\")"),
       errorCase(which),
       message(std::move(text)) {}
 
 std::string TranslationError::errorDescription() const {
-    auto text = LocalizationManager::shared().localized(describe(errorCase).key);
+    auto text = LocalizationManager::shared().localized(wordingOf(errorCase).key);
     bool hasMessage = errorCase == Case::networkError || errorCase == Case::apiError;
     return hasMessage ? platform::text::format(text, {message}) : text;
 }

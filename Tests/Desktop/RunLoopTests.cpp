@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class RunLoop : public testing::Test {
+class QtRunLoopTest : public testing::Test {
 protected:
     void runUntilEnd() { QCoreApplication::exec(); }
     void add(const std::string& name) { order += name; }
@@ -23,7 +23,7 @@ protected:
     std::string order;
 };
 
-TEST_F(RunLoop, RunsWorkInTheOrderItFallsDueWhoeverPostsIt) {
+TEST_F(QtRunLoopTest, RunsWorkInTheOrderItFallsDueWhoeverPostsIt) {
     auto main = std::this_thread::get_id();
     auto start = loop.now();
     loop.postAfter(60ms, [] { QCoreApplication::quit(); });
@@ -40,7 +40,7 @@ TEST_F(RunLoop, RunsWorkInTheOrderItFallsDueWhoeverPostsIt) {
     EXPECT_GE(loop.now() - start, 60ms);
 }
 
-TEST_F(RunLoop, GoesOnInAnEventLoopThatItsWorkRuns) {
+TEST_F(QtRunLoopTest, GoesOnInAnEventLoopThatItsWorkRuns) {
     loop.post([&] {
         QEventLoop nested;
         loop.postAfter(20ms, [&] {
@@ -56,7 +56,7 @@ TEST_F(RunLoop, GoesOnInAnEventLoopThatItsWorkRuns) {
     EXPECT_EQ(order, "next later end");
 }
 
-TEST_F(RunLoop, LosesNothingThatManyThreadsPost) {
+TEST_F(QtRunLoopTest, LosesNothingThatManyThreadsPost) {
     constexpr int perThread = 5000;
     int count = 0;
     auto work = [&] {

@@ -12,8 +12,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const auto linear = TimingFunction::linear();
-
 class WindowTest : public tests::HeadlessTest {
 protected:
     static std::shared_ptr<Panel> makePanel() {
@@ -35,7 +33,7 @@ TEST_F(WindowTest, MovesAndFadesByItsAnimatorAndItsContentKeepsUp) {
     panel->setAlphaValue(0);
     AnimationContext::runAnimationGroup([&](AnimationContext& context) {
         context.duration = 200ms;
-        context.timingFunction = linear;
+        context.timingFunction = TimingFunction::linear();
         panel->animator().setAlphaValue(1);
         panel->animator().setFrame({-32, 10, 120, 44});
     });
@@ -51,7 +49,7 @@ TEST_F(WindowTest, MovesAndFadesByItsAnimatorAndItsContentKeepsUp) {
     host.advance(100ms);
     AnimationContext::runAnimationGroup([&](AnimationContext& context) {
         context.duration = 100ms;
-        context.timingFunction = linear;
+        context.timingFunction = TimingFunction::linear();
         panel->animator().setFrame({-112, 5, 280, 44});
     });
     EXPECT_EQ(shownIn(0ms).frame(), half.frame());
@@ -90,7 +88,7 @@ TEST_F(WindowTest, AGroupInsideAnotherHasItsOwnPace) {
     auto view = panel->contentView();
     AnimationContext::runAnimationGroup([&](AnimationContext& outer) {
         outer.duration = 400ms;
-        outer.timingFunction = linear;
+        outer.timingFunction = TimingFunction::linear();
         AnimationContext::runAnimationGroup([&](AnimationContext& inner) {
             inner.duration = 100ms;
             view->animator().setAlphaValue(0);

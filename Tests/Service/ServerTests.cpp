@@ -8,7 +8,7 @@ using namespace tests;
 
 namespace {
 
-constexpr const char* json = "application/json";
+constexpr const char* jsonType = "application/json";
 
 struct ServerTest : testing::Test {
     // What the one-piece service makes of a body.
@@ -27,7 +27,8 @@ struct ServerTest : testing::Test {
 } // namespace
 
 TEST_F(ServerTest, StreamsATranslationWordByWord) {
-    auto answer = client->Post("/v1/translate", RunningService::streamRequest("样品的报价？").dump(), json);
+    auto answer =
+        client->Post("/v1/translate", RunningService::streamRequest("样品的报价？").dump(), jsonType);
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->status, 200);
     EXPECT_EQ(answer->get_header_value("Content-Type"), "text/event-stream");
@@ -83,7 +84,7 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
         EXPECT_NE(answer->body.find(sentence), std::string::npos) << answer->body;
         EXPECT_LE(answer->body.size(), 100U) << "as much as is shown: " << answer->body;
     }
-    EXPECT_EQ(client->Put("/v1/translate", "", json)->get_header_value("Allow"), "HEAD, POST");
+    EXPECT_EQ(client->Put("/v1/translate", "", jsonType)->get_header_value("Allow"), "HEAD, POST");
 }
 
 TEST_F(ServerTest, RefusesABodyOfUnknownLengthThatIsTooLong) {
@@ -97,14 +98,14 @@ TEST_F(ServerTest, RefusesABodyOfUnknownLengthThatIsTooLong) {
             sink.done();
             return true;
         },
-        json);
+        jsonType);
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->status, 413);
     EXPECT_EQ(client->Head("/v1/translate").value().status, 200);
 }
 
 TEST_F(ServerTest, SpeaksToMonitorsAndLogsNothingOfWhatWasSaid) {
-    client->Post("/v1/free", RunningService::wholeRequest("样品").dump(), json);
+    client->Post("/v1/free", RunningService::wholeRequest("样品").dump(), jsonType);
     client->Post("/secret", "secret", "text/plain");
     EXPECT_EQ(client->Get("/healthz").value().status, 200);
     const auto metrics = client->Get("/metrics").value().body;

@@ -24,7 +24,7 @@ constexpr std::string_view thisArchitecture = "linux-arm64";
 constexpr std::string_view thisArchitecture = "";
 #endif
 
-constexpr std::size_t maximumNameLength = 64;
+constexpr std::size_t longestVersion = 64;
 
 std::string_view trimmedView(std::string_view text) {
     const auto begin = text.find_first_not_of(" \t\r\n");
@@ -78,7 +78,7 @@ public:
         result.versionString = either("version");
         if (!version::isValid(result.versionString))
             return std::nullopt;
-        result.displayVersionString = text::prefix(abridged(either("shortVersionString")), maximumNameLength);
+        result.displayVersionString = text::prefix(abridged(either("shortVersionString")), longestVersion);
         if (result.displayVersionString.empty())
             result.displayVersionString = result.versionString;
         result.minimumSystemVersion = text(item, "minimumSystemVersion");

@@ -8,7 +8,7 @@
 namespace platform {
 namespace {
 
-constexpr const char* key = "Lumarin.updateFeed";
+constexpr const char* defaultsKey = "Lumarin.updateFeed";
 constexpr const char* signedMark = "signed";
 constexpr const char* unsignedMark = "unsigned";
 constexpr const char* nothingListed = "none";
@@ -25,7 +25,7 @@ std::string takeWord(std::string& text) {
 // The value is "signed 12 https://updates.example/appcast.xml 1.2". Earlier programs left the name out.
 FeedHistory::FeedHistory(UserDefaults& keptIn, const std::string& feedAddress)
     : defaults(keptIn), address(feedAddress) {
-    std::string value = defaults.string(key).value_or("");
+    std::string value = defaults.string(defaultsKey).value_or("");
     const std::string mark = takeWord(value);
     const std::string newest = takeWord(value);
     // Another feed has a history of its own.
@@ -51,8 +51,8 @@ void FeedHistory::accept(bool isSigned, const std::vector<AppcastItem>& items) {
     value += " " + (listed.empty() ? nothingListed : listed) + " " + address;
     if (!listed.empty())
         value += " " + newest->displayVersionString;
-    if (defaults.string(key) != value)
-        defaults.set(key, value);
+    if (defaults.string(defaultsKey) != value)
+        defaults.set(defaultsKey, value);
 }
 
 } // namespace platform

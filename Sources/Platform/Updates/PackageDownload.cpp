@@ -8,7 +8,7 @@
 namespace platform {
 namespace {
 
-constexpr std::size_t maximumNameLength = 120;
+constexpr std::size_t longestFileName = 120;
 constexpr const char* nameIfNone = "update";
 
 int hexDigit(char character) {
@@ -91,8 +91,8 @@ std::string packageFileName(const AppcastItem& item) {
         if (isAllowed && !(name.empty() && character == '.'))
             name += character;
     }
-    name = text::prefix(name, maximumNameLength);
-    while (name.size() > maximumNameLength)
+    name = text::prefix(name, longestFileName);
+    while (name.size() > longestFileName)
         name = text::prefix(name, text::characterCount(name) - 1);
     return name.empty() ? nameIfNone : name;
 }

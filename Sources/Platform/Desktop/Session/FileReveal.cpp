@@ -24,7 +24,7 @@ void letSignalsIn() {
 }
 
 // With the first of the commands that there is.
-void open(const QString& folder, QList<QStringList> commands) {
+void tryEach(const QString& folder, QList<QStringList> commands) {
     if (commands.isEmpty())
         return;
     const auto command = commands.takeFirst();
@@ -38,13 +38,13 @@ void open(const QString& folder, QList<QStringList> commands) {
         if (error != QProcess::FailedToStart)
             return;
         opener->deleteLater();
-        open(folder, commands);
+        tryEach(folder, commands);
     });
     opener->start(command.front(), command.mid(1) + QStringList(folder));
 }
 
 void openFolder(const QString& folder) {
-    open(folder, {{"xdg-open"}, {"gio", "open"}});
+    tryEach(folder, {{"xdg-open"}, {"gio", "open"}});
 }
 
 } // namespace

@@ -8,7 +8,7 @@ namespace platform::desktop {
 class DesktopStatusBar : public StatusBar {
 public:
     // The drawings are the bundle's, Symbols/<name>.svg; `command` is told the commands chosen in menus.
-    DesktopStatusBar(Panel& desktopPanel, const Bundle& drawings, NativeMenu::Command command)
+    DesktopStatusBar(DesktopPanel& desktopPanel, const Bundle& drawings, NativeMenu::Command command)
         : panel(desktopPanel), bundle(drawings), perform(std::move(command)) {}
 
     std::unique_ptr<StatusItem> makeStatusItem() override {
@@ -16,7 +16,7 @@ public:
     }
 
 private:
-    Panel& panel;
+    DesktopPanel& panel;
     const Bundle& bundle;
     const NativeMenu::Command perform;
 };

@@ -9,7 +9,8 @@
 
 namespace platform::desktop {
 
-DesktopStatusItem::DesktopStatusItem(Panel& desktopPanel, const Bundle& drawings, NativeMenu::Command command)
+DesktopStatusItem::DesktopStatusItem(DesktopPanel& desktopPanel, const Bundle& drawings,
+                                     NativeMenu::Command command)
     : panel(desktopPanel), bundle(drawings), menu(std::move(command)), tray(panel, [this] { appear(); }) {
     using namespace std::chrono_literals;
     secondLook.setSingleShot(true);

@@ -15,7 +15,7 @@ namespace platform::desktop {
 // An icon in the desktop's tray, with a menu. Main thread.
 class DesktopStatusItem : public StatusItem {
 public:
-    DesktopStatusItem(Panel& panel, const Bundle& drawings, NativeMenu::Command command);
+    DesktopStatusItem(DesktopPanel& panel, const Bundle& drawings, NativeMenu::Command command);
 
     void setImage(const Symbol& shown) override;
     void setMenu(std::shared_ptr<const Menu> changed) override { menu.change(std::move(changed)); }
@@ -29,7 +29,7 @@ private:
     void openMenu(bool isClicked);
     QPoint placeForMenu(bool isClicked) const;
 
-    Panel& panel;
+    DesktopPanel& panel;
     const Bundle& bundle;
     Symbol symbol;
     NativeMenu menu;

@@ -29,7 +29,7 @@ int medianGray(const QImage& picture) {
 
 } // namespace
 
-QColor colorOnPanel(const Panel& panel, const QRect& icon) {
+QColor colorOnPanel(const DesktopPanel& panel, const QRect& icon) {
     if (!icon.isEmpty() && panel.hasTray())
         if (const auto color = panel.trayColor())
             return *color;

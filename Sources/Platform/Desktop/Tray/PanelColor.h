@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/Tray/Panel.h"
+#include "Platform/Desktop/Tray/DesktopPanel.h"
 
 namespace platform::desktop {
 
@@ -8,6 +8,6 @@ namespace platform::desktop {
 // if the place is empty. The display's own tray, if it is in that, is asked first; else it is seen from the
 // panel's own picture whether that is dark; where there is no panel to be seen, the palette decides. Main
 // thread.
-QColor colorOnPanel(const Panel& panel, const QRect& icon);
+QColor colorOnPanel(const DesktopPanel& panel, const QRect& icon);
 
 } // namespace platform::desktop

@@ -14,7 +14,7 @@ constexpr const char* path = "/StatusNotifierWatcher";
 
 } // namespace
 
-TrayWatch::TrayWatch(Panel& watchedPanel, std::function<void()> changed) : panel(watchedPanel) {
+TrayWatch::TrayWatch(DesktopPanel& watchedPanel, std::function<void()> changed) : panel(watchedPanel) {
     panel.onChange = [this] { report.start(); };
     report.setSingleShot(true);
     QObject::connect(&report, &QTimer::timeout, std::move(changed));

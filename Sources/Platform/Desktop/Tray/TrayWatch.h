@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/Tray/Panel.h"
+#include "Platform/Desktop/Tray/DesktopPanel.h"
 
 #include <QDBusServiceWatcher>
 #include <QTimer>
@@ -12,7 +12,7 @@ namespace platform::desktop {
 class TrayWatch {
 public:
     // `changed` is called after either came or went; soon also for a panel that is there already.
-    TrayWatch(Panel& panel, std::function<void()> changed);
+    TrayWatch(DesktopPanel& panel, std::function<void()> changed);
     ~TrayWatch();
     TrayWatch(const TrayWatch&) = delete;
     TrayWatch& operator=(const TrayWatch&) = delete;
@@ -22,7 +22,7 @@ public:
 private:
     void askForHost();
 
-    Panel& panel;
+    DesktopPanel& panel;
     // Started by whatever may be a change.
     QTimer report;
     QDBusServiceWatcher watchers;

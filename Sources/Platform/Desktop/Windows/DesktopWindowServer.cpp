@@ -1,5 +1,6 @@
 #include "Platform/Desktop/Windows/DesktopWindowServer.h"
 
+#include "Platform/Desktop/Windows/FrameTime.h"
 #include "Platform/Kit/Window.h"
 
 #include <algorithm>
@@ -7,8 +8,6 @@
 
 namespace platform::desktop {
 namespace {
-
-constexpr Duration frameTime = std::chrono::duration_cast<Duration>(std::chrono::duration<double>(1.0 / 60));
 
 // The monitor on which a window has its middle.
 const Monitor* monitorUnder(const Window& window, const std::vector<Monitor>& monitors) {

@@ -3,6 +3,7 @@
 #include "Platform/Desktop/Painting/ColorOf.h"
 #include "Platform/Desktop/Pictures/LayerChanges.h"
 #include "Platform/Desktop/Windows/ApplicationIcon.h"
+#include "Platform/Desktop/Windows/FrameTime.h"
 
 #include <algorithm>
 #include <utility>
@@ -14,8 +15,6 @@
 
 namespace platform::desktop {
 namespace {
-
-constexpr Duration frameTime = std::chrono::duration_cast<Duration>(std::chrono::duration<double>(1.0 / 60));
 
 // A window that keeps its size is a dialog to window managers, which put no more into its frame than it
 // needs.

@@ -63,7 +63,7 @@ inline std::vector<SeenKey> plain(int code, int state = 0) {
     return {{true, code, state}, {false, code, state}};
 }
 
-class Keyboard : public testing::Test {
+class KeyboardTest : public testing::Test {
 protected:
     std::unique_ptr<EventTap> makeTap(DesktopKeyboard& from) {
         return from.createEventTap(maskOf(EventType::flagsChanged), [this](EventType, const KeyEvent& event) {

@@ -3,7 +3,7 @@
 namespace platform::desktop {
 namespace {
 
-TEST_F(Keyboard, ReportsAHoldOnceAndHidesItFromApplications) {
+TEST_F(KeyboardTest, ReportsAHoldOnceAndHidesItFromApplications) {
     TestApplication application;
     run("xset r " + std::to_string(Key::rightControl));
     startTap();
@@ -30,7 +30,7 @@ TEST_F(Keyboard, ReportsAHoldOnceAndHidesItFromApplications) {
 }
 
 // The first events of a hold come while the keyboard is still grabbed.
-TEST_F(Keyboard, HearsTheShortestTapAndWhatIsTypedInIt) {
+TEST_F(KeyboardTest, HearsTheShortestTapAndWhatIsTypedInIt) {
     TestApplication application;
     startTap();
     std::string expected;
@@ -47,7 +47,7 @@ TEST_F(Keyboard, HearsTheShortestTapAndWhatIsTypedInIt) {
     }
 }
 
-TEST_F(Keyboard, GoesOnWhenTheKeyboardMapChanges) {
+TEST_F(KeyboardTest, GoesOnWhenTheKeyboardMapChanges) {
     TestApplication application;
     startTap();
     user.press(Key::rightControl);
@@ -73,7 +73,7 @@ TEST_F(Keyboard, GoesOnWhenTheKeyboardMapChanges) {
     EXPECT_EQ(user.keysDown(), std::vector<int>());
 }
 
-TEST_F(Keyboard, GivesNoTapWhileAnotherProgramHasTheKey) {
+TEST_F(KeyboardTest, GivesNoTapWhileAnotherProgramHasTheKey) {
     const XConnection owner;
     owner.errorOf(xcb_grab_key_checked(owner, 0, owner.root(), XCB_MOD_MASK_SHIFT, Key::rightControl,
                                        XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
@@ -86,7 +86,7 @@ TEST_F(Keyboard, GivesNoTapWhileAnotherProgramHasTheKey) {
     EXPECT_FALSE(makeTap(second));
 }
 
-TEST_F(Keyboard, TakesTheKeyOfANewMapOnceAnotherProgramLetsItGo) {
+TEST_F(KeyboardTest, TakesTheKeyOfANewMapOnceAnotherProgramLetsItGo) {
     startTap();
     const XConnection owner;
     owner.errorOf(xcb_grab_key_checked(owner, 0, owner.root(), XCB_MOD_MASK_ANY, Key::f12,
@@ -101,7 +101,7 @@ TEST_F(Keyboard, TakesTheKeyOfANewMapOnceAnotherProgramLetsItGo) {
 }
 
 // As by a switch to another console, or by unplugging it. What was read is not to be pasted anywhere.
-TEST_F(Keyboard, AbandonsAHoldWhoseKeyboardGoes) {
+TEST_F(KeyboardTest, AbandonsAHoldWhoseKeyboardGoes) {
     startTap();
     const auto monitor = [this] {
         return keyboard.addGlobalMonitor(maskOf(EventType::keyDown),
@@ -138,7 +138,7 @@ TEST_F(Keyboard, AbandonsAHoldWhoseKeyboardGoes) {
     EXPECT_TRUE(tapped.becomes(expected += "down up down up "));
 }
 
-TEST_F(Keyboard, MonitorsTheUsersKeysAndNotItsOwn) {
+TEST_F(KeyboardTest, MonitorsTheUsersKeysAndNotItsOwn) {
     TestApplication application;
     Reports monitored;
     auto monitor = keyboard.addGlobalMonitor(maskOf(EventType::keyDown),

@@ -3,7 +3,7 @@
 namespace platform::desktop {
 namespace {
 
-TEST_F(Keyboard, TypesCombinationsWithExactlyTheirModifiersInEveryLayout) {
+TEST_F(KeyboardTest, TypesCombinationsWithExactlyTheirModifiersInEveryLayout) {
     // Where a layout types no Latin letters, they are put on keys that no keyboard has.
     constexpr int anyKey = 0;
     struct Layout {
@@ -44,7 +44,7 @@ TEST_F(Keyboard, TypesCombinationsWithExactlyTheirModifiersInEveryLayout) {
     EXPECT_EQ(user.keysDown(), std::vector<int>());
 }
 
-TEST_F(Keyboard, LiftsWhatTheUserHoldsAndPutsItBack) {
+TEST_F(KeyboardTest, LiftsWhatTheUserHoldsAndPutsItBack) {
     TestApplication application;
     startTap();
     user.strike({Key::capsLock});
@@ -72,7 +72,7 @@ TEST_F(Keyboard, LiftsWhatTheUserHoldsAndPutsItBack) {
     EXPECT_EQ(application.takeKeys(), plain(Key::x, lockState));
 }
 
-TEST_F(Keyboard, LeavesNothingPressedHoweverTheUserTypesMeanwhile) {
+TEST_F(KeyboardTest, LeavesNothingPressedHoweverTheUserTypesMeanwhile) {
     TestApplication application;
     startTap();
     std::atomic<bool> isDone = false;
@@ -100,7 +100,7 @@ TEST_F(Keyboard, LeavesNothingPressedHoweverTheUserTypesMeanwhile) {
 }
 
 // Its own letters would take the arrow.
-TEST_F(Keyboard, EndsASelectionBesideAnInputMethod) {
+TEST_F(KeyboardTest, EndsASelectionBesideAnInputMethod) {
     TestApplication application;
     const xcb_window_t candidates = xcb_generate_id(x);
     constexpr std::uint32_t overrideRedirect = 1;
@@ -115,7 +115,7 @@ TEST_F(Keyboard, EndsASelectionBesideAnInputMethod) {
     EXPECT_EQ(application.takeKeys(), combination(Key::leftControl, controlState, Key::end));
 }
 
-TEST_F(Keyboard, NeverInterruptsATerminal) {
+TEST_F(KeyboardTest, NeverInterruptsATerminal) {
     const auto insertCopy = combination(Key::leftControl, controlState, Key::insert);
     struct Terminal {
         const char* windowClass;
@@ -147,7 +147,7 @@ TEST_F(Keyboard, NeverInterruptsATerminal) {
     }
 }
 
-TEST_F(Keyboard, TypesIntoTheApplicationThatWasBroughtBackOrNotAtAll) {
+TEST_F(KeyboardTest, TypesIntoTheApplicationThatWasBroughtBackOrNotAtAll) {
     const auto focusOn = [this](xcb_window_t window) {
         xcb_set_input_focus(x, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
         x.flush();

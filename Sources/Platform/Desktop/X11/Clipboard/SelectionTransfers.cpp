@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 
 // Within what any server takes as one request; a multiple of each format's unit.
 constexpr std::size_t pieceSize = std::size_t{192} * 1024;
-constexpr auto pieceLimit = 5s;
+constexpr auto takingLimit = 5s;
 
 } // namespace
 
@@ -38,7 +38,7 @@ std::shared_ptr<SelectionTransfer> SelectionTransfers::send(std::shared_ptr<cons
 Task<void> SelectionTransfers::sendPieces(std::shared_ptr<SelectionTransfer> transfer) {
     std::string_view rest = transfer->form->bytes;
     for (bool last = false; !last;) {
-        co_await thread.until([&] { return transfer->taken || transfer->vanished; }, pieceLimit);
+        co_await thread.until([&] { return transfer->taken || transfer->vanished; }, takingLimit);
         if (!std::exchange(transfer->taken, false) || transfer->vanished)
             break;
         // An empty piece is the end.
@@ -46,7 +46,7 @@ Task<void> SelectionTransfers::sendPieces(std::shared_ptr<SelectionTransfer> tra
         put(*transfer, rest.substr(0, pieceSize));
         rest.remove_prefix(std::min(rest.size(), pieceSize));
     }
-    co_await thread.until([&] { return transfer->taken || transfer->vanished; }, pieceLimit);
+    co_await thread.until([&] { return transfer->taken || transfer->vanished; }, takingLimit);
     transfer->finished = true;
     underWay.remove(transfer);
     if (std::ranges::count(underWay, transfer->requestor, &SelectionTransfer::requestor) == 0)

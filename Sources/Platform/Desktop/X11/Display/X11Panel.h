@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Platform/Desktop/Tray/Panel.h"
+#include "Platform/Desktop/Tray/DesktopPanel.h"
 #include "Platform/Desktop/X11/Display/OwnerWatch.h"
 
 namespace platform::desktop {
 
 // The panel of an X display. Main thread.
-class X11Panel : public Panel {
+class X11Panel : public DesktopPanel {
 public:
     explicit X11Panel(const XConnection& display);
 

@@ -10,9 +10,9 @@ namespace platform::desktop {
 
 // What the session's display tells of its panel, apart from the message bus. Places are as Qt counts. Main
 // thread.
-class Panel {
+class DesktopPanel {
 public:
-    virtual ~Panel() = default;
+    virtual ~DesktopPanel() = default;
 
     // Called after a tray of the display's came or went.
     std::function<void()> onChange;
