@@ -33,7 +33,7 @@ std::unique_ptr<TestProcess> Display::start(const std::vector<std::string>& comm
 void Display::keepScreenshot(const std::string& name) const {
     const std::filesystem::path folder(LUMARIN_SCREENSHOTS);
     std::filesystem::create_directories(folder);
-    start({"import", "-window", "root", folder / (name + ".png")})->awaitEnd();
+    start({"maim", folder / (name + ".png")})->awaitEnd();
 }
 
 void Display::awaitFrontWindow(const std::string& className) {
