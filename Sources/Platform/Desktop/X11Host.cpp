@@ -7,19 +7,20 @@
 #include <atomic>
 #include <cstdio>
 
+#include <QGuiApplication>
 #include <QWindow>
 
 namespace platform::desktop {
 
 namespace {
 
-// The connection that tells whether the display is there, for Qt's messages, which come without a context.
-constinit std::atomic<const XConnection*> watchedDisplay = nullptr;
+// Qt's own connection, for its messages, which come without a context.
+constinit std::atomic<xcb_connection_t*> qtsConnection = nullptr;
 
 // Qt ends the program by itself when it loses its connection, while our threads still run; it complains
 // first.
 void handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    if (const auto* display = watchedDisplay.load(); display && display->isBroken())
+    if (auto* connection = qtsConnection.load(); connection && xcb_connection_has_error(connection))
         endForLostDisplay();
     auto line = qFormatLogMessage(type, context, text).toStdString() + '\n';
     std::fputs(line.c_str(), stderr);
@@ -30,7 +31,8 @@ void handleMessage(QtMsgType type, const QMessageLogContext& context, const QStr
 X11Host::X11Host(char* program, LogSink sink)
     : DesktopHost(program, std::move(sink)),
       applications(x, ApplicationNames(dataFolders(), preferredLocales()), postedKeys) {
-    watchedDisplay = &x;
+    if (const auto* application = qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
+        qtsConnection = application->connection();
     qInstallMessageHandler(handleMessage);
 }
 

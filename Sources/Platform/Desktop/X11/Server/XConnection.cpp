@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include <poll.h>
 #include <unistd.h>
 
 namespace platform::desktop {
@@ -103,14 +102,6 @@ xcb_window_t XConnection::makeHiddenWindow(std::uint32_t eventMask) const {
     xcb_create_window(get(), XCB_COPY_FROM_PARENT, window, root(), -1, -1, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &eventMask);
     return window;
-}
-
-bool XConnection::isBroken() const {
-    if (xcb_connection_has_error(get()))
-        return true;
-    // XCB learns of a hang-up only when it reads; others may be told before.
-    pollfd state{xcb_get_file_descriptor(get()), 0, 0};
-    return poll(&state, 1, 0) > 0 && (state.revents & (POLLHUP | POLLERR)) != 0;
 }
 
 void endForLostDisplay() {

@@ -82,9 +82,6 @@ public:
     // server when the connection closes.
     xcb_window_t makeHiddenWindow(std::uint32_t eventMask = 0) const;
 
-    // Whether the server has ended the connection or has gone away.
-    bool isBroken() const;
-
     void flush() const { xcb_flush(get()); }
 
 private:
