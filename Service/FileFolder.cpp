@@ -1,11 +1,8 @@
 #include "Service/FileFolder.h"
 
-#include "Service/Support/Handles.h"
-
 #include <algorithm>
 #include <array>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 
 namespace lumarin::service {
@@ -42,38 +39,20 @@ bool isPlain(std::string_view path) {
     });
 }
 
-bool sendPart(const Descriptor& file, std::size_t offset, std::size_t length, httplib::DataSink& sink) {
-    std::array<char, 65536> buffer;
-    const ssize_t count =
-        ::pread(file.number(), buffer.data(), std::min(length, buffer.size()), static_cast<off_t>(offset));
-    return count > 0 && sink.write(buffer.data(), static_cast<std::size_t>(count));
-}
-
 } // namespace
 
-bool FileFolder::answer(std::string_view path, httplib::Response& response) const {
+std::optional<FileFolder::File> FileFolder::find(std::string_view path) const {
     if (!isPlain(path))
-        return false;
+        return std::nullopt;
     std::error_code none;
     const auto target = std::filesystem::canonical(root / path, none);
     if (none || std::ranges::mismatch(root, target).in1 != root.end())
-        return false;
-    const auto file = std::make_shared<Descriptor>(::open(target.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        return std::nullopt;
+    Descriptor file(::open(target.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat facts {};
-    if (!file->isOpen() || ::fstat(file->number(), &facts) != 0 || !S_ISREG(facts.st_mode))
-        return false;
-    response.set_header("Cache-Control", "no-cache");
-    response.set_header("Accept-Ranges", "none");
-    response.set_header("X-Content-Type-Options", "nosniff");
-    if (facts.st_size == 0) {
-        response.set_content("", typeOf(target));
-        return true;
-    }
-    response.set_content_provider(static_cast<std::size_t>(facts.st_size), typeOf(target),
-                                  [file](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
-                                      return sendPart(*file, offset, length, sink);
-                                  });
-    return true;
+    if (!file.isOpen() || ::fstat(file.number(), &facts) != 0 || !S_ISREG(facts.st_mode))
+        return std::nullopt;
+    return File{std::move(file), static_cast<std::size_t>(facts.st_size), typeOf(target)};
 }
 
 } // namespace lumarin::service

@@ -23,7 +23,6 @@ constexpr std::chrono::seconds afterOneUnderWay{1};
 } // namespace
 
 Limits::Pass Limits::admit(const std::string& device, const std::string& address, Clock::time_point now) {
-    std::lock_guard lock(mutex);
     check(devices, device, now,
           {"This computer has too many translations under way.", "device at once",
            "This computer asks for too many translations.", "device rate"});
@@ -41,20 +40,17 @@ Limits::Pass Limits::admit(const std::string& device, const std::string& address
 Limits::Pass::~Pass() {
     if (!limits)
         return;
-    std::lock_guard lock(limits->mutex);
     --limits->devices.usage[device].underWay;
     --limits->addresses.usage[address].underWay;
     --limits->everybody.usage[{}].underWay;
 }
 
 std::size_t Limits::underWay() const {
-    std::lock_guard lock(mutex);
     const auto all = everybody.usage.find({});
     return all != everybody.usage.end() ? static_cast<std::size_t>(all->second.underWay) : 0;
 }
 
 std::size_t Limits::knownDevices() const {
-    std::lock_guard lock(mutex);
     return devices.usage.size();
 }
 

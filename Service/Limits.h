@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstddef>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -11,7 +10,7 @@
 namespace lumarin::service {
 
 // How much is translated for one device, for one address, since a device's name is whatever a client says it
-// is, and for all of them together. For any thread.
+// is, and for all of them together. For one thread.
 class Limits {
 public:
     using Clock = std::chrono::steady_clock;
@@ -81,7 +80,6 @@ private:
     static void count(Group& group, const std::string& name, Clock::time_point now);
     static void forgetIdle(Group& group, Clock::time_point now);
 
-    mutable std::mutex mutex;
     Group everybody; // Of a single member.
     Group addresses;
     Group devices;

@@ -26,7 +26,6 @@ void single(std::string& out, const std::string& name, const char* type, const s
 
 void Metrics::count(const Exchange& exchange) {
     using Seconds = std::chrono::duration<double>;
-    std::lock_guard lock(mutex);
     ++requests[{exchange.endpoint, exchange.status}];
     if (!exchange.failure.empty())
         ++failures[exchange.failure];
@@ -38,7 +37,6 @@ void Metrics::count(const Exchange& exchange) {
 }
 
 std::string Metrics::text(const Gauges& gauges) const {
-    std::lock_guard lock(mutex);
     std::string out;
     head(out, "lumarin_requests_total", "counter", "Requests answered, by endpoint and HTTP status.");
     for (const auto& [key, value] : requests)

@@ -5,13 +5,12 @@
 #include <array>
 #include <cstdint>
 #include <map>
-#include <mutex>
 #include <string>
 #include <utility>
 
 namespace lumarin::service {
 
-// What the service has done since it started, in numbers alone. For any thread.
+// What the service has done since it started, in numbers alone. For one thread.
 class Metrics {
 public:
     // Of the moment, not counted here.
@@ -39,7 +38,6 @@ private:
         double sum = 0;
     };
 
-    mutable std::mutex mutex;
     std::map<std::pair<std::string, int>, std::uint64_t> requests;
     std::map<std::string, std::uint64_t> failures;
     std::uint64_t pieces = 0;

@@ -1,12 +1,15 @@
 #include "Service/Server.h"
 
 #include "Service/Engine/Refusal.h"
-#include "Service/HTTPS/TLSStream.h"
+#include "Service/HTTPS/RequestReader.h"
+#include "Service/Requests.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <strings.h>
+#include <unistd.h>
+#include <vector>
 
 namespace lumarin::service {
 namespace {
@@ -16,15 +19,12 @@ constexpr const char* wholePath = "/v1/free";
 constexpr const char* healthPath = "/healthz";
 constexpr const char* metricsPath = "/metrics";
 constexpr std::string_view appcastPath = "/appcast/";
-constexpr std::size_t bodyLimit = std::size_t{1024} * 1024;
 constexpr std::size_t longestDeviceName = 128;
+constexpr std::size_t readInAMoment = std::size_t{16} * 1024;
 constexpr int clientClosedRequest = 499; // As other servers log it; nobody is there to read it.
 
 constexpr const char* plainText = "text/plain; charset=utf-8";
 constexpr const char* metricsText = "text/plain; version=0.0.4; charset=utf-8";
-
-using httplib::Request;
-using httplib::Response;
 
 // Which of the service's endpoints a path names; empty if none. Any other path can hold anything, even text
 // meant for translation.
@@ -39,83 +39,44 @@ const char* methodsOf(const std::string& endpoint) {
     return endpoint == streamPath ? "HEAD, POST" : endpoint == wholePath ? "POST" : "GET, HEAD";
 }
 
-// Completes refusals that have no sentence yet, the library's among them.
-void explain(const Request&, Response& response) {
-    if (Exchange::current().hasUnreadBody)
-        response.set_header("Connection", "close");
-    if (!response.body.empty())
+void refuse(const Refusal& refusal, Exchange& exchange) {
+    exchange.failure = refusal.cause;
+    exchange.failureDetail = refusal.cause.empty() ? "" : refusal.what();
+    if (exchange.hasBegun())
         return;
-    const char* sentence = response.status == 404   ? "There is nothing at this address."
-                           : response.status == 405 ? "This address does not answer this method."
-                           : response.status == 411 ? "The request does not say how long it is."
-                           : response.status == 413 ? "The text is too long: a request may have 1 MiB."
-                           : response.status == 414 ? "The address is too long."
-                           : response.status == 500 ? "The service failed."
-                                                    : "The request cannot be understood.";
-    response.set_content(sentence, plainText);
-}
-
-void refuse(const Refusal& refusal, Response& response, Exchange& exchange) {
-    response.status = refusal.status;
     std::string sentence = refusal.what();
     if (!refusal.quotation.empty())
         sentence += " It says: " + refusal.quotation;
-    response.set_content(sentence, plainText);
+    Exchange::Fields fields;
     if (refusal.retryAfter)
-        response.set_header("Retry-After", std::to_string(refusal.retryAfter->count()));
-    exchange.failure = refusal.cause;
-    exchange.failureDetail = refusal.cause.empty() ? "" : refusal.what();
+        fields.emplace_back("Retry-After", std::to_string(refusal.retryAfter->count()));
+    exchange.refuse(refusal.status, sentence, fields);
 }
 
-// Takes the whole body from the connection, but keeps no more than a request may have: its length may be
-// known only at its end.
-std::string readBody(const httplib::ContentReader& reader) {
-    std::string body;
-    bool isTooLong = false;
-    const bool isRead = reader([&](const char* data, std::size_t size) {
-        isTooLong = isTooLong || body.size() + size > bodyLimit;
-        if (!isTooLong)
-            body.append(data, size);
-        return true;
-    });
-    if (isTooLong)
-        throw Refusal(413, "");
-    const Exchange& exchange = Exchange::current();
-    if (!isRead && exchange.stream->is_readable())
-        throw Refusal(400, "");
-    if (!isRead && exchange.signals->stop.isRaised())
-        throw Refusal(503, "The service is stopping.", "stopped");
-    if (!isRead)
-        throw Abandoned("The request did not arrive whole.");
-    return body;
-}
-
-std::string deviceOf(const Request& request) {
-    const std::string name = request.get_header_value("X-Device-ID");
-    return name.empty() ? "address " + request.remote_addr : "device " + name.substr(0, longestDeviceName);
+std::string deviceOf(const Exchange& exchange) {
+    const std::string name = exchange.request().value("X-Device-ID");
+    return name.empty() ? "address " + exchange.place().address
+                        : "device " + name.substr(0, longestDeviceName);
 }
 
 // What is wrong with the announcement of a request's body, as a status; zero if nothing is. One that could be
 // read in two ways would let a request hide in another's body.
 int faultOfBody(const Request& request) {
-    const auto lengths = request.get_header_value_count("Content-Length");
-    const auto encodings = request.get_header_value_count("Transfer-Encoding");
+    const auto lengths = request.count("Content-Length");
+    const auto encodings = request.count("Transfer-Encoding");
     if (lengths + encodings == 0)
         return 411;
-    const std::string length = request.get_header_value("Content-Length");
+    const std::string length = request.value("Content-Length");
     const bool isNumber =
         !length.empty() && std::ranges::all_of(length, [](unsigned char c) { return std::isdigit(c) != 0; });
     if (lengths + encodings > 1 || (lengths == 1 && !isNumber)
-        || (encodings == 1
-            && ::strcasecmp(request.get_header_value("Transfer-Encoding").c_str(), "chunked") != 0))
+        || (encodings == 1 && ::strcasecmp(request.value("Transfer-Encoding").c_str(), "chunked") != 0))
         return 400;
-    constexpr std::size_t mostDigits = 9;
-    return lengths == 1 && (length.size() > mostDigits || std::stoul(length) > bodyLimit) ? 413 : 0;
+    return lengths == 1 && std::stoull(length) > RequestReader::longestBody ? 413 : 0;
 }
 
-bool announcesBody(const Request& request) {
-    return request.has_header("Transfer-Encoding")
-           || (request.has_header("Content-Length") && request.get_header_value("Content-Length") != "0");
+TranslationRequest parse(AnswerForm form, const std::string& body) {
+    return form == AnswerForm::stream ? parseStreamRequest(body) : parseWholeRequest(body);
 }
 
 } // namespace
@@ -127,90 +88,101 @@ Server::Server(const TranslationEngine& chosen, const Options& options, const Lo
              {.perMinute = options.addressRate, .atOnce = options.addressAtOnce},
              {.perMinute = options.deviceRate, .atOnce = options.deviceAtOnce}),
       certificates(options.certificate, options.names, events),
-      server(certificates, static_cast<std::size_t>(options.connections), options.requestTime,
-             [this](const Exchange& exchange) { report(exchange); }) {
+      server(
+          certificates, static_cast<std::size_t>(options.connections), options.requestTime,
+          [this](Exchange& exchange) { return answer(exchange); },
+          [this](const Exchange& exchange) { report(exchange); }) {
     if (!options.appcast.empty())
         appcast.emplace(options.appcast);
-    server.set_pre_routing_handler([this](const Request& request, Response& response) {
-        return answerSimply(request, response) ? httplib::Server::HandlerResponse::Handled
-                                               : httplib::Server::HandlerResponse::Unhandled;
-    });
-    const auto answering = [this](AnswerForm form) {
-        return
-            [this, form](const Request& request, Response& response, const httplib::ContentReader& reader) {
-                translate(form, request, response, reader);
-            };
-    };
-    server.Post(streamPath, answering(AnswerForm::stream));
-    server.Post(wholePath, answering(AnswerForm::whole));
-    server.set_exception_handler([](const Request&, Response& response, const std::exception_ptr&) {
-        response.status = 500;
-        Exchange::current().failure = "fault";
-    });
-    server.set_error_handler(httplib::Server::Handler(explain));
 }
 
-// Answers all but what has to be translated. The library would read any body into memory first.
-bool Server::answerSimply(const Request& request, Response& response) {
-    Exchange& exchange = Exchange::current();
+asio::awaitable<void> Server::answer(Exchange& exchange) {
+    const Request& request = exchange.request();
     exchange.endpoint = endpointOf(request.path);
     const bool isTranslation = exchange.endpoint == streamPath || exchange.endpoint == wholePath;
     const bool isPost = isTranslation && request.method == "POST";
     const int fault = isPost ? faultOfBody(request) : 0;
-    if (isPost && fault == 0)
-        return false;
-    exchange.place->worksForClient();
-    exchange.hasUnreadBody = announcesBody(request);
-    const bool isHead = request.method == "HEAD";
-    if (fault != 0 || exchange.endpoint.empty()) {
-        response.status = fault != 0 ? fault : 404;
-    } else if (exchange.endpoint == wholePath || (!isHead && (request.method != "GET" || isTranslation))) {
-        response.status = 405;
-        response.set_header("Allow", methodsOf(exchange.endpoint));
-    } else if (!answerKnown(exchange.endpoint, request, response)) {
-        response.status = 404;
+    try {
+        if (isPost && fault == 0) {
+            co_await translate(exchange.endpoint == streamPath ? AnswerForm::stream : AnswerForm::whole,
+                               exchange);
+            co_return;
+        }
+        exchange.place().worksForClient();
+        const bool isHead = request.method == "HEAD";
+        if (fault != 0 || exchange.endpoint.empty())
+            exchange.refuse(fault != 0 ? fault : 404);
+        else if (exchange.endpoint == wholePath || (!isHead && (request.method != "GET" || isTranslation)))
+            exchange.refuse(405, "", {{"Allow", methodsOf(exchange.endpoint)}});
+        else
+            co_await answerKnown(exchange);
+    } catch (const Refusal& refusal) {
+        refuse(refusal, exchange);
+    } catch (const Abandoned& abandoned) {
+        if (!exchange.hasBegun())
+            exchange.status = clientClosedRequest;
+        exchange.fail(abandoned);
+    } catch (const std::exception&) {
+        exchange.failure = "fault";
+        if (!exchange.hasBegun())
+            exchange.refuse(500);
     }
-    return true;
 }
 
-bool Server::answerKnown(const std::string& endpoint, const Request& request, Response& response) {
-    if (endpoint == streamPath) { // A client's warm-up: the connection it opens carries the next request.
-        response.set_content("", "text/event-stream");
-    } else if (endpoint == healthPath) {
-        response.set_content("ok\n", plainText);
-    } else if (endpoint == metricsPath) {
-        response.set_content(
+asio::awaitable<void> Server::answerKnown(Exchange& exchange) {
+    if (exchange.endpoint == streamPath) { // A client's warm-up: the connection carries the next request.
+        exchange.answer(200, "text/event-stream", "");
+    } else if (exchange.endpoint == healthPath) {
+        exchange.answer(200, plainText, "ok\n");
+    } else if (exchange.endpoint == metricsPath) {
+        exchange.answer(
+            200, metricsText,
             metrics.text(
                 {.connections = server.openConnections(),
                  .refusedConnections = server.refusedConnections(),
                  .translations = limits.underWay(),
                  .certificateExpiry =
-                     std::chrono::duration<double>(certificates.expiry().time_since_epoch()).count()}),
-            metricsText);
+                     std::chrono::duration<double>(certificates.expiry().time_since_epoch()).count()}));
     } else {
-        return appcast
-               && appcast->answer(std::string_view(request.path).substr(appcastPath.size()), response);
+        const auto path = std::string_view(exchange.request().path).substr(appcastPath.size());
+        if (const auto file = appcast ? appcast->find(path) : std::nullopt)
+            co_await send(*file, exchange);
+        else
+            exchange.refuse(404);
     }
-    return true;
 }
 
-void Server::translate(AnswerForm form, const Request& request, Response& response,
-                       const httplib::ContentReader& reader) {
-    Exchange& exchange = Exchange::current();
-    try {
-        exchange.hasUnreadBody = true;
-        const std::string body = readBody(reader);
-        exchange.hasUnreadBody = false;
-        exchange.place->worksForClient();
-        auto pass = limits.admit(deviceOf(request), request.remote_addr);
-        TranslationAnswer::give(
-            std::make_unique<TranslationAnswer>(form, engine, std::move(pass), body, exchange), response);
-    } catch (const Refusal& refusal) {
-        refuse(refusal, response, exchange);
-    } catch (const Abandoned& abandoned) {
-        response.status = clientClosedRequest;
-        exchange.fail(abandoned);
+asio::awaitable<void> Server::send(const FileFolder::File& file, Exchange& exchange) {
+    const Exchange::Fields fields{
+        {"Cache-Control", "no-cache"}, {"Accept-Ranges", "none"}, {"X-Content-Type-Options", "nosniff"}};
+    exchange.begin(200, {.contentType = file.contentType, .length = file.size}, fields);
+    std::vector<char> part(65536);
+    std::size_t left = exchange.request().method == "HEAD" ? 0 : file.size;
+    while (left > 0) {
+        const auto position = static_cast<off_t>(file.size - left);
+        ssize_t count = 0;
+        co_await inBackground(server.pool(), [&] {
+            count = ::pread(file.opened.number(), part.data(), std::min(left, part.size()), position);
+        });
+        if (count <= 0)
+            co_return; // The file has become shorter.
+        exchange.add({part.data(), static_cast<std::size_t>(count)});
+        left -= static_cast<std::size_t>(count);
+        co_await exchange.flush();
     }
+    exchange.end();
+}
+
+asio::awaitable<void> Server::translate(AnswerForm form, Exchange& exchange) {
+    const std::string body = co_await exchange.body();
+    auto pass = limits.admit(deviceOf(exchange), exchange.place().address);
+    TranslationRequest wanted;
+    if (body.size() <= readInAMoment)
+        wanted = parse(form, body);
+    else
+        co_await inBackground(server.pool(), [&] { wanted = parse(form, body); });
+    TranslationAnswer answer(form, engine.begin(wanted, exchange.deadline), std::move(pass), exchange);
+    co_await answer.give();
 }
 
 void Server::report(const Exchange& exchange) {
@@ -220,7 +192,7 @@ void Server::report(const Exchange& exchange) {
     const auto milliseconds = [&](Exchange::Clock::duration time) {
         return std::chrono::round<std::chrono::milliseconds>(time).count();
     };
-    Log::Fields fields{{"method", exchange.method},
+    Log::Fields fields{{"method", exchange.request().method},
                        {"endpoint", exchange.endpoint},
                        {"status", exchange.status},
                        {"ms", milliseconds(Exchange::Clock::now() - exchange.start)}};

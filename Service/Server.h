@@ -16,8 +16,8 @@
 
 namespace lumarin::service {
 
-// The service's endpoints over HTTPS. Answers each connection on a thread of its own; the engine and the log
-// are called from those. Keeps and logs nothing of what is sent to it.
+// The service's endpoints over HTTPS. Answers all connections on the thread that calls run(); the engine and
+// the log are called from that. Keeps and logs nothing of what is sent to it.
 class Server {
 public:
     // `engine` and `events` outlive the server. Throws std::runtime_error when the certificate cannot be
@@ -36,14 +36,14 @@ public:
     // Breaks off what is still under way after stop(). Any thread.
     void abandon() { server.abandonAnswers(); }
 
-private:
-    using Request = httplib::Request;
-    using Response = httplib::Response;
+    // Where coroutines run as long as run() does.
+    asio::io_context& context() { return server.context(); }
 
-    bool answerSimply(const Request& request, Response& response);
-    bool answerKnown(const std::string& endpoint, const Request& request, Response& response);
-    void translate(AnswerForm form, const Request& request, Response& response,
-                   const httplib::ContentReader& reader);
+private:
+    asio::awaitable<void> answer(Exchange& exchange);
+    asio::awaitable<void> answerKnown(Exchange& exchange);
+    asio::awaitable<void> send(const FileFolder::File& file, Exchange& exchange);
+    asio::awaitable<void> translate(AnswerForm form, Exchange& exchange);
     void report(const Exchange& exchange);
 
     const TranslationEngine& engine;

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "Service/Engine/TranslationEngine.h"
+#include "Service/HTTPS/ClientWatch.h"
 #include "Service/HTTPS/Exchange.h"
 #include "Service/Limits.h"
 
-#include <httplib.h>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace lumarin::service {
@@ -13,30 +14,31 @@ namespace lumarin::service {
 // How the program wants a translation: as a stream of events, or in one JSON object.
 enum class AnswerForm { stream, whole };
 
-// A translation on its way from the engine to the client. Lives on the connection's thread.
+// A translation on its way from the engine to the client.
 class TranslationAnswer {
 public:
-    // Begins the translation that the exchange's request asks for in `body`. Throws a Refusal.
-    TranslationAnswer(AnswerForm asked, const TranslationEngine& engine, Limits::Pass admission,
-                      const std::string& body, Exchange& of);
+    TranslationAnswer(AnswerForm asked, std::unique_ptr<Translation> begun, Limits::Pass admission,
+                      Exchange& of)
+        : form(asked), exchange(of), pass(std::move(admission)), translation(std::move(begun)) {}
 
-    // Waits for the beginning of the translation, so that what fails early is answered with a status, and
-    // makes it the response. Throws a Refusal, and Abandoned.
-    static void give(std::unique_ptr<TranslationAnswer> answer, httplib::Response& response);
+    // Waits for the beginning of the translation, so that what fails early can be answered with a status, and
+    // makes all of it the answer. Throws a Refusal, and Abandoned; if the answer has begun by then, it has no
+    // end.
+    asio::awaitable<void> give();
 
 private:
-    bool send(httplib::DataSink& sink);
-    std::string nextOutput();
-    Progress nextProgress();
-    std::string event(const std::string& piece) const;
+    void begin(const std::string& output);
+    asio::awaitable<std::string> nextOutput();
+    asio::awaitable<Progress> nextProgress();
+    static std::string event(const std::string& piece);
 
     const AnswerForm form;
     Exchange& exchange;
-    const Limits::Pass pass;
+    std::optional<Limits::Pass> pass;
     const std::unique_ptr<Translation> translation;
-    std::string text;    // Of an answer in one piece.
-    std::string pending; // Output that has been waited for but not sent.
-    Exchange::Clock::time_point lastOutput;
+    std::optional<ClientWatch> watch; // Of a client that has to wait.
+    std::string text;                 // Of an answer in one piece.
+    Exchange::Clock::time_point lastOutput = exchange.start;
     bool isComplete = false;
 };
 

@@ -3,57 +3,35 @@
 #include "Service/Server.h"
 #include "Service/Upstream/Upstream.h"
 
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/experimental/awaitable_operators.hpp>
+#include <boost/asio/signal_set.hpp>
+#include <boost/asio/use_awaitable.hpp>
 #include <csignal>
 #include <exception>
 #include <iostream>
-#include <pthread.h>
 #include <string>
 #include <sys/resource.h>
-#include <thread>
-#include <unistd.h>
 
 namespace {
 
 using namespace lumarin::service;
 
-constexpr timespec timeToEnd{.tv_sec = 10, .tv_nsec = 0};
-
-// Keeps the signals of an orderly end for whoever waits for them, from now on and in threads yet to start.
-sigset_t blockEndSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return signals;
-}
+constexpr std::chrono::seconds timeToEnd{10};
 
 // Ends the server on the signals while it runs: gives the answers under way some time, or none when asked
 // again.
-class SignalWatch {
-public:
-    SignalWatch(Server& server, const Log& log, const sigset_t& signals) {
-        thread = std::thread([&server, &log, signals] {
-            int received = 0;
-            sigwait(&signals, &received);
-            log.write("stopping");
-            server.stop();
-            sigtimedwait(&signals, nullptr, &timeToEnd);
-            server.abandon();
-        });
-    }
-    SignalWatch(const SignalWatch&) = delete;
-    SignalWatch& operator=(const SignalWatch&) = delete;
-    ~SignalWatch() {
-        ::kill(::getpid(), SIGTERM); // Ends the wait for a second one.
-        thread.join();
-    }
+asio::awaitable<void> endOnSignals(asio::signal_set& signals, Server& server, const Log& log) {
+    using namespace asio::experimental::awaitable_operators;
+    co_await signals.async_wait(asio::use_awaitable);
+    log.write("stopping");
+    server.stop();
+    co_await (signals.async_wait(asio::use_awaitable) || pause(timeToEnd));
+    server.abandon();
+}
 
-private:
-    std::thread thread;
-};
-
-// Each translation takes up to three descriptors; the usual limit is there for programs that use select().
+// Each translation takes several descriptors; the usual limit is there for programs that use select().
 void raiseDescriptorLimit() {
     rlimit limit{};
     if (::getrlimit(RLIMIT_NOFILE, &limit) == 0) {
@@ -90,13 +68,13 @@ std::string address(const std::string& host, std::uint16_t port) {
 }
 
 void serve(const Options& options) {
-    const sigset_t signals = blockEndSignals();
     raiseDescriptorLimit();
     Log log([](const std::string& line) { std::cerr << line + "\n"; });
     const auto engine = makeEngine(options);
     const auto server = makeServer(*engine, options, log);
     const std::uint16_t port = server->bind(options.host, options.port);
-    const SignalWatch watch(*server, log, signals);
+    asio::signal_set signals(server->context(), SIGTERM, SIGINT);
+    asio::co_spawn(server->context(), endOnSignals(signals, *server, log), asio::detached);
     log.write("started", {{"listen", address(options.host, port)},
                           {"upstream", options.upstream.empty() ? "built-in gloss" : options.upstream}});
     std::cout << "Listening on " << address(options.host, port) << std::endl;

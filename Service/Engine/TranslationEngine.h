@@ -1,5 +1,6 @@
 #pragma once
 
+#include <boost/asio/awaitable.hpp>
 #include <chrono>
 #include <memory>
 #include <stdexcept>
@@ -13,21 +14,12 @@ struct TranslationRequest {
     std::string targetLanguage; // Two upper-case letters.
 };
 
-// For whom a translation is made, as far as an engine has to know.
-struct Waiting {
-    // The client's connection, to see it closed, and what turns readable when the service ends for good;
-    // negative where nobody is to be watched.
-    int socket = -1;
-    int abandon = -1;
-    std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
-};
-
 // Thrown where a translation is given up because nobody waits for it any longer.
 class Abandoned : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// What became of waiting for a piece of a translation.
+// How far a translation has come.
 struct Progress {
     enum class Kind { piece, nothingYet, complete };
 
@@ -35,27 +27,37 @@ struct Progress {
     std::string piece = {};
 };
 
-// A translation under way, asked for piece by piece. Used by one thread at a time; dropping it gives it up.
+// A translation under way, asked for piece by piece. Used by one coroutine at a time; dropping it gives it
+// up, for which nothing may be waiting for it.
 class Translation {
 public:
     using Clock = std::chrono::steady_clock;
 
     virtual ~Translation() = default;
 
-    // Waits for the next piece, until `moment` at the longest. Throws a Refusal when the translation is lost,
-    // and Abandoned.
-    virtual Progress next(Clock::time_point moment) = 0;
+    // The next piece, if it is there; never waits. Throws a Refusal when the translation is lost.
+    virtual Progress next() = 0;
+
+    // Waits until next() may have more to give, until `moment` at the longest. Can be cancelled. Throws
+    // nothing.
+    virtual boost::asio::awaitable<void> wait(Clock::time_point moment) = 0;
+
+    // To be called once the whole translation has been handed on: takes a moment to leave things in order for
+    // the next one.
+    virtual boost::asio::awaitable<void> finish() { co_return; }
 };
 
-// What turns text into another language. Shared by the server's threads, so begin() is called by several
-// at once. Engines outlive the translations they have begun.
+// What turns text into another language. Engines outlive the translations they have begun.
 class TranslationEngine {
 public:
+    using Clock = Translation::Clock;
+
     virtual ~TranslationEngine() = default;
 
-    // Throws a Refusal when the request cannot be served; nothing has been answered at that point.
+    // Begins a translation that has to be complete by `deadline`. Throws a Refusal when the request cannot be
+    // served; nothing has been answered at that point.
     virtual std::unique_ptr<Translation> begin(const TranslationRequest& request,
-                                               const Waiting& waiting) const = 0;
+                                               Clock::time_point deadline) const = 0;
 };
 
 } // namespace lumarin::service

@@ -1,8 +1,8 @@
 #include "Service/Gloss/Gloss.h"
 
-#include "Service/Engine/ClientWatch.h"
 #include "Service/Engine/Refusal.h"
 #include "Service/Gloss/Glosser.h"
+#include "Service/Support/Async.h"
 
 namespace lumarin::service {
 namespace {
@@ -10,21 +10,30 @@ namespace {
 // Hands a text out word by word, each with the white space before it, as it is glossed.
 class WordByWord final : public Translation {
 public:
-    WordByWord(std::string text, const Lexicon& lexicon, const Waiting& waiting)
-        : chinese(std::move(text)), glosser(chinese, lexicon), deadline(waiting.deadline), client(waiting) {}
+    WordByWord(std::string text, const Lexicon& lexicon, asio::thread_pool& pool, Clock::time_point end)
+        : chinese(std::move(text)), glosser(chinese, lexicon), workers(pool), deadline(end) {
+        glosser.advance(); // All of most texts.
+    }
 
-    Progress next(Clock::time_point moment) override {
-        for (bool hasWorked = false;; hasWorked = true) {
-            if (std::string word = nextWord(); !word.empty())
-                return {Progress::Kind::piece, std::move(word)};
-            if (glosser.isComplete())
-                return {};
-            const auto now = Clock::now();
-            checkWaiting(now);
-            if (hasWorked && now >= moment)
-                return {Progress::Kind::nothingYet};
-            glosser.advance();
-        }
+    Progress next() override {
+        constexpr int timeout = 504;
+        if (std::string word = nextWord(); !word.empty())
+            return {Progress::Kind::piece, std::move(word)};
+        if (glosser.isComplete())
+            return {};
+        if (Clock::now() >= deadline)
+            throw Refusal(timeout, "The text takes too long.", "time-out");
+        return {Progress::Kind::nothingYet};
+    }
+
+    asio::awaitable<void> wait(Clock::time_point) override {
+        // Long enough to be worth the way, short enough for others to have their turn.
+        static constexpr auto turn = std::chrono::milliseconds(1);
+        return inBackground(workers, [this] {
+            const auto end = Clock::now() + turn;
+            while (!glosser.isComplete() && Clock::now() < end)
+                glosser.advance();
+        });
     }
 
 private:
@@ -48,18 +57,10 @@ private:
         return std::string(english.substr(start, searched - start));
     }
 
-    void checkWaiting(Clock::time_point now) const {
-        constexpr int timeout = 504;
-        if (client.hasGone())
-            throw Abandoned("The client has gone away.");
-        if (now >= deadline)
-            throw Refusal(timeout, "The text takes too long.", "time-out");
-    }
-
     const std::string chinese;
     Glosser glosser;
+    asio::thread_pool& workers;
     const Clock::time_point deadline;
-    const ClientWatch client;
     std::size_t position = 0; // Of what has not been handed out.
     std::size_t searched = 0; // For the end of a word.
     bool isInWord = false;
@@ -67,12 +68,13 @@ private:
 
 } // namespace
 
-std::unique_ptr<Translation> Gloss::begin(const TranslationRequest& request, const Waiting& waiting) const {
+std::unique_ptr<Translation> Gloss::begin(const TranslationRequest& request,
+                                          Clock::time_point deadline) const {
     constexpr int notImplemented = 501;
     if (request.targetLanguage != "EN")
         throw Refusal(notImplemented, "The built-in gloss knows English only; start lumarin-service with "
                                       "--upstream for more.");
-    return std::make_unique<WordByWord>(request.text, lexicon, waiting);
+    return std::make_unique<WordByWord>(request.text, lexicon, workers, deadline);
 }
 
 std::string Gloss::text(std::string_view chinese) const {

@@ -58,7 +58,7 @@ void CertificateKeeper::load() {
     expires = endOf(*current);
     loaded = text;
     events.write("certificate loaded",
-                 {{"file", files.certificate.string()}, {"expires", platform::iso8601(expires.load())}});
+                 {{"file", files.certificate.string()}, {"expires", platform::iso8601(expires)}});
 }
 
 } // namespace lumarin::service

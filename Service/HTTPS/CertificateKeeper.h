@@ -4,7 +4,6 @@
 #include "Service/Support/Handles.h"
 #include "Service/Support/Log.h"
 
-#include <atomic>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -27,7 +26,6 @@ public:
     // Looks at the files; to be called now and then. A failure is logged and leaves everything as it was.
     void renew(Clock::time_point now = Clock::now());
 
-    // Any thread.
     Clock::time_point expiry() const { return expires; }
 
 private:
@@ -38,7 +36,7 @@ private:
     const CertificateFiles files;
     std::string loaded; // The certificate's text.
     std::shared_ptr<SSL_CTX> current;
-    std::atomic<Clock::time_point> expires;
+    Clock::time_point expires;
     std::string lastFailure;
 };
 

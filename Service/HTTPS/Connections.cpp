@@ -1,92 +1,65 @@
 #include "Service/HTTPS/Connections.h"
 
-#include <sys/socket.h>
-#include <system_error>
-
 namespace lumarin::service {
+namespace {
 
-bool Connections::add(int accepted, Serve serve) {
-    joinEnded();
-    Descriptor socket(accepted);
-    std::lock_guard lock(mutex);
-    if (taken >= maximum && !makeRoom())
-        return false;
-    Place& place = *places.insert(places.end(), Place(*this, socket.release()));
-    try {
-        place.thread = std::thread([this, &place, serve = std::move(serve)] {
-            serve(place.socket.number(), place);
-            end(place);
-        });
-    } catch (const std::system_error&) {
-        places.pop_back();
-        return false;
-    }
-    ++taken;
-    ++running;
-    return true;
+// Ends waits too, unlike closing the socket; whoever waits notices it as the client's doing.
+void shutDown(tcp::socket& socket, tcp::socket::shutdown_type what) {
+    boost::system::error_code none;
+    socket.shutdown(what, none);
 }
 
-void Connections::awaitEnd() {
-    {
-        std::unique_lock lock(mutex);
-        hasFewer.wait(lock, [this] { return running == 0; });
-    }
-    joinEnded();
+std::string addressOf(const tcp::socket& socket) {
+    boost::system::error_code error;
+    const auto client = socket.remote_endpoint(error);
+    return error ? std::string() : client.address().to_string();
 }
 
-std::size_t Connections::count() const {
-    std::lock_guard lock(mutex);
-    return running;
-}
+} // namespace
 
-bool Connections::makeRoom() {
-    Place* longest = nullptr;
-    for (Place& place : places)
-        if (place.isWaiting && !place.isLeaving && !place.hasEnded
-            && (!longest || place.waitingSince < longest->waitingSince))
-            longest = &place;
-    if (!longest)
-        return false;
-    longest->isLeaving = true;
-    --taken;
-    ::shutdown(longest->socket.number(), SHUT_RDWR);
-    return true;
-}
+Connections::Place::Place(Connections& all, tcp::socket accepted)
+    : socket(std::move(accepted)),
+      address(addressOf(socket)),
+      connections(all),
+      position(all.places.insert(all.places.end(), this)) {}
 
-void Connections::end(Place& place) {
-    std::lock_guard lock(mutex);
-    place.socket.close();
-    place.hasEnded = true;
-    if (!place.isLeaving)
-        --taken;
-    --running;
-    hasFewer.notify_all();
-}
-
-void Connections::joinEnded() {
-    std::list<Place> ended;
-    {
-        std::lock_guard lock(mutex);
-        for (auto place = places.begin(); place != places.end();) {
-            const auto next = std::next(place);
-            if (place->hasEnded)
-                ended.splice(ended.end(), places, place);
-            place = next;
-        }
-    }
-    for (Place& place : ended)
-        place.thread.join();
+Connections::Place::~Place() {
+    connections.places.erase(position);
+    connections.leaving -= isLeaving ? 1 : 0;
 }
 
 void Connections::Place::awaitsClient() {
-    std::lock_guard lock(connections.mutex);
     isWaiting = true;
     waitingSince = Clock::now();
 }
 
-void Connections::Place::worksForClient() {
-    std::lock_guard lock(connections.mutex);
-    isWaiting = false;
+bool Connections::makeRoom() {
+    if (places.size() - leaving < maximum)
+        return true;
+    Place* longest = nullptr;
+    for (Place* place : places)
+        if (place->isWaiting && !place->isLeaving
+            && (!longest || place->waitingSince < longest->waitingSince))
+            longest = place;
+    if (!longest)
+        return false;
+    longest->isLeaving = true;
+    ++leaving;
+    shutDown(longest->socket, tcp::socket::shutdown_both);
+    return true;
+}
+
+void Connections::stop() {
+    stopping = true;
+    for (Place* place : places)
+        if (place->isWaiting)
+            shutDown(place->socket, tcp::socket::shutdown_receive);
+}
+
+void Connections::breakOff() {
+    broken = true;
+    for (Place* place : places)
+        shutDown(place->socket, tcp::socket::shutdown_both);
 }
 
 } // namespace lumarin::service

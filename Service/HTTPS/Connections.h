@@ -1,68 +1,66 @@
 #pragma once
 
-#include "Service/Support/Handles.h"
+#include "Service/Support/Async.h"
 
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
-#include <functional>
 #include <list>
-#include <mutex>
-#include <thread>
+#include <string>
 
 namespace lumarin::service {
 
-// The open connections, a thread each, up to a number. When all places are taken, a new connection gets the
-// place of the one that has waited longest for its client, be it idle or slow: who is quick is always served.
+// The open connections, up to a number. When all places are taken, a new connection gets the place of the one
+// that has waited longest for its client, be it idle or slow: who is quick is always served. For one thread.
 class Connections {
 public:
-    // A connection's place, from the side of the thread that serves it.
+    // A connection's place, for as long as it lives. Dropping it closes the connection.
     class Place {
     public:
+        Place(Connections& all, tcp::socket accepted);
+        ~Place();
+        Place(const Place&) = delete;
+        Place& operator=(const Place&) = delete;
+
         // Waiting for the client's bytes, the connection may have to give its place to another.
         void awaitsClient();
-        void worksForClient();
+        void worksForClient() { isWaiting = false; }
+
+        bool isStopping() const { return connections.stopping; }
+        bool isBrokenOff() const { return connections.broken; }
+
+        tcp::socket socket;
+        const std::string address; // The client's.
 
     private:
         friend class Connections;
         using Clock = std::chrono::steady_clock;
 
-        Place(Connections& all, int accepted) : connections(all), socket(accepted) {}
-
         Connections& connections;
-        Descriptor socket;
+        const std::list<Place*>::iterator position;
         bool isWaiting = true;
         bool isLeaving = false;
-        bool hasEnded = false;
         Clock::time_point waitingSince = Clock::now();
-        std::thread thread;
     };
-    using Serve = std::function<void(int socket, Place&)>;
 
     explicit Connections(std::size_t most) : maximum(most) {}
-    ~Connections() { awaitEnd(); }
 
-    // Calls `serve` on a thread of its own and then closes the socket. False, with the socket closed, when
-    // every other connection is being answered.
-    bool add(int accepted, Serve serve);
+    // Whether there is a place for one more. Makes one if need be and possible: not while every other
+    // connection is being answered.
+    bool makeRoom();
 
-    // Waits for all of them to end.
-    void awaitEnd();
+    // No more is waited for what clients might still send.
+    void stop();
+    // Ends all of them at once.
+    void breakOff();
 
-    // Any thread.
-    std::size_t count() const;
+    std::size_t count() const { return places.size(); }
 
 private:
-    bool makeRoom();
-    void end(Place& place);
-    void joinEnded();
-
     const std::size_t maximum;
-    mutable std::mutex mutex;
-    std::condition_variable hasFewer;
-    std::list<Place> places;
-    std::size_t taken = 0;   // Of those that are not leaving.
-    std::size_t running = 0; // Threads.
+    std::list<Place*> places;
+    std::size_t leaving = 0;
+    bool stopping = false;
+    bool broken = false;
 };
 
 } // namespace lumarin::service

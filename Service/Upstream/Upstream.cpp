@@ -6,8 +6,8 @@
 namespace lumarin::service {
 
 std::unique_ptr<Translation> Upstream::begin(const TranslationRequest& request,
-                                             const Waiting& waiting) const {
-    return std::make_unique<UpstreamTransfer>(configuration, connections, body(request), waiting);
+                                             Clock::time_point deadline) const {
+    return std::make_unique<UpstreamTransfer>(configuration, connections, body(request), deadline);
 }
 
 std::string Upstream::body(const TranslationRequest& request) const {

@@ -22,14 +22,14 @@ struct UpstreamConfiguration {
 };
 
 // The engine that asks a model server by the chat-completions protocol. Each translation is driven by the
-// thread that asks for its pieces, so nothing stands between their arrival and their departure, and a client
-// that reads slowly slows its own upstream down.
+// coroutine that asks for its pieces, so nothing stands between their arrival and their departure, and a
+// client that reads slowly slows its own upstream down.
 class Upstream final : public TranslationEngine {
 public:
     explicit Upstream(UpstreamConfiguration chosen) : configuration(std::move(chosen)) {}
 
     std::unique_ptr<Translation> begin(const TranslationRequest& request,
-                                       const Waiting& waiting) const override;
+                                       Clock::time_point deadline) const override;
 
 private:
     std::string body(const TranslationRequest& request) const;

@@ -1,30 +1,28 @@
 #pragma once
 
-#include "Platform/Network/CurlHandles.h"
+#include "Service/Upstream/UpstreamConnection.h"
 
-#include <chrono>
-#include <mutex>
+#include <memory>
 #include <vector>
 
 namespace lumarin::service {
 
-// Connections to the model server that nobody uses at the moment, each in a libcurl handle of its own. For
-// any thread.
+// Connections to the model server that nobody uses at the moment. For one thread.
 class UpstreamConnections {
 public:
-    // The one used last, which is the most likely to be still open, or a new one. Throws std::bad_alloc.
-    platform::CurlMulti take();
-    void giveBack(platform::CurlMulti handle);
+    // The one used last, which is the most likely to be still open, or a new one. Throws what making it
+    // throws.
+    std::unique_ptr<UpstreamConnection> take();
+    void giveBack(std::unique_ptr<UpstreamConnection> connection);
 
 private:
-    using Clock = std::chrono::steady_clock;
+    using Clock = UpstreamConnection::Clock;
 
     struct Idle {
-        platform::CurlMulti handle;
+        std::unique_ptr<UpstreamConnection> connection;
         Clock::time_point since;
     };
 
-    std::mutex mutex;
     std::vector<Idle> idle;
 };
 

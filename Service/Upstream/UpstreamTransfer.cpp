@@ -1,10 +1,11 @@
 #include "Service/Upstream/UpstreamTransfer.h"
 
 #include "Platform/Network/CurlErrors.h"
+#include "Service/Support/Async.h"
 #include "Service/Upstream/UpstreamRefusals.h"
 
 #include <algorithm>
-#include <climits>
+#include <boost/asio/this_coro.hpp>
 
 namespace lumarin::service {
 namespace {
@@ -21,49 +22,51 @@ constexpr auto graceForTheEnd = 20ms;
 } // namespace
 
 UpstreamTransfer::UpstreamTransfer(const UpstreamConfiguration& configuration, UpstreamConnections& pool,
-                                   std::string json, const Waiting& waiting)
+                                   std::string json, Clock::time_point end)
     : settings(configuration),
       connections(pool),
-      deadline(waiting.deadline),
-      client(waiting),
+      deadline(end),
       body(std::move(json)),
       address(configuration.url + "/chat/completions", platform::CurlAddress::PlainHTTP::everywhere),
       easy(curl_easy_init()),
-      multi(pool.take()) {
+      connection(pool.take()) {
     if (!easy)
         throw std::bad_alloc();
     setUp();
-    curl_multi_add_handle(multi.get(), easy.get());
+    curl_multi_add_handle(connection->handle(), easy.get());
 }
 
 UpstreamTransfer::~UpstreamTransfer() {
-    if (stream.isComplete())
-        letEnd();
-    curl_multi_remove_handle(multi.get(), easy.get());
+    if (readiness)
+        readiness->release();
+    curl_multi_remove_handle(connection->handle(), easy.get());
     easy.reset();
-    connections.giveBack(std::move(multi));
+    connections.giveBack(std::move(connection));
 }
 
-Progress UpstreamTransfer::next(Clock::time_point moment) {
-    while (true) {
+Progress UpstreamTransfer::next() {
+    for (bool hasLooked = false;; hasLooked = true) {
         if (auto piece = stream.next())
             return {Progress::Kind::piece, std::move(*piece)};
         if (stream.isComplete())
             return {};
         checkAnswer();
-        const auto now = Clock::now();
-        // A client that takes its time keeps this thread from the bytes that have been there all along.
-        if (const auto last = lastByte; now >= last + settings.silence && !result) {
-            perform();
-            if (result || lastByte != last)
-                continue;
-        }
-        checkTime(now);
-        if (now >= moment)
-            return {Progress::Kind::nothingYet};
-        if (!result)
-            wait(moment);
+        if (hasLooked)
+            break;
+        // Bytes may have been there all along while a client took its time.
+        perform();
     }
+    checkTime();
+    return {Progress::Kind::nothingYet};
+}
+
+asio::awaitable<void> UpstreamTransfer::wait(Clock::time_point moment) {
+    return awaitConnection(std::min({moment, deadline, lastByte + settings.silence}));
+}
+
+asio::awaitable<void> UpstreamTransfer::finish() {
+    for (const auto end = Clock::now() + graceForTheEnd; !result && Clock::now() < end; perform())
+        co_await awaitConnection(end);
 }
 
 template <typename Value>
@@ -105,6 +108,8 @@ void UpstreamTransfer::setUp() {
         set(CURLOPT_PROXY, "");
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
+    // The folder of authorities is read as far as needed; the file with all of them takes long to read.
+    set(CURLOPT_CAINFO, nullptr);
     if (settings.authorities) {
         // A cached store would take the place of the one that the certificates are added to.
         set(CURLOPT_CA_CACHE_TIMEOUT, 0L);
@@ -119,28 +124,22 @@ void UpstreamTransfer::setUp() {
 }
 
 void UpstreamTransfer::perform() {
-    int running = 0;
-    curl_multi_perform(multi.get(), &running);
-    int left = 0;
-    while (const CURLMsg* message = curl_multi_info_read(multi.get(), &left))
-        result = message->data.result;
+    if (result)
+        return;
+    result = connection->perform();
     if (result == CURLE_OK && status() == ok)
         stream.finish();
 }
 
-// Waits for bytes of the upstream and sees to them; at the same time for the client to go away.
-void UpstreamTransfer::wait(Clock::time_point moment) {
-    const auto until = std::min({moment, deadline, lastByte + settings.silence});
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
-    curl_waitfd gone{client.descriptor(), CURL_WAIT_POLLIN, 0};
-    curl_multi_poll(multi.get(), &gone, 1, static_cast<int>(std::clamp<std::int64_t>(left, 0, INT_MAX)),
-                    nullptr);
-    if (gone.revents != 0)
-        throw Abandoned("The client has gone away.");
-    perform();
+// Waits until there is something to perform.
+asio::awaitable<void> UpstreamTransfer::awaitConnection(Clock::time_point moment) {
+    if (!readiness)
+        readiness.emplace(co_await asio::this_coro::executor, connection->descriptor());
+    co_await isReadable(*readiness, std::min(moment, connection->due()));
 }
 
-void UpstreamTransfer::checkTime(Clock::time_point now) const {
+void UpstreamTransfer::checkTime() const {
+    const auto now = Clock::now();
     if (now >= lastByte + settings.silence)
         throw silentUpstream(settings.silence);
     if (now >= deadline)
@@ -160,13 +159,6 @@ void UpstreamTransfer::checkAnswer() {
     if (*result != CURLE_OK)
         throw failedTransfer(*result,
                              platform::curlError(*result, easy.get(), address.host, detail.data()).what());
-}
-
-void UpstreamTransfer::letEnd() {
-    for (const auto end = Clock::now() + graceForTheEnd; !result && Clock::now() < end;) {
-        curl_multi_poll(multi.get(), nullptr, 0, 5, nullptr);
-        perform();
-    }
 }
 
 long UpstreamTransfer::status() const {

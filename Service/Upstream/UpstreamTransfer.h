@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Platform/Network/CurlAddress.h"
-#include "Service/Engine/ClientWatch.h"
 #include "Service/Engine/TranslationEngine.h"
 #include "Service/Upstream/ChatStream.h"
 #include "Service/Upstream/Upstream.h"
 
 #include <array>
+#include <boost/asio/posix/stream_descriptor.hpp>
 #include <optional>
 #include <string>
 
@@ -18,12 +18,14 @@ class UpstreamTransfer final : public Translation {
 public:
     // `configuration` and `pool` outlive the transfer. Throws a Refusal.
     UpstreamTransfer(const UpstreamConfiguration& configuration, UpstreamConnections& pool, std::string json,
-                     const Waiting& waiting);
+                     Clock::time_point end);
     ~UpstreamTransfer() override;
     UpstreamTransfer(const UpstreamTransfer&) = delete;
     UpstreamTransfer& operator=(const UpstreamTransfer&) = delete;
 
-    Progress next(Clock::time_point moment) override;
+    Progress next() override;
+    boost::asio::awaitable<void> wait(Clock::time_point moment) override;
+    boost::asio::awaitable<void> finish() override;
 
 private:
     template <typename Value>
@@ -31,10 +33,9 @@ private:
     void addHeader(const std::string& line);
     void setUp();
     void perform();
-    void wait(Clock::time_point moment);
-    void checkTime(Clock::time_point now) const;
+    boost::asio::awaitable<void> awaitConnection(Clock::time_point moment);
+    void checkTime() const;
     void checkAnswer();
-    void letEnd();
     long status() const;
     bool receive(std::string_view bytes);
 
@@ -45,7 +46,6 @@ private:
     const UpstreamConfiguration& settings;
     UpstreamConnections& connections;
     const Clock::time_point deadline;
-    const ClientWatch client;
     const std::string body;
     const platform::CurlAddress address;
 
@@ -57,7 +57,8 @@ private:
     std::array<char, CURL_ERROR_SIZE> detail{};
     platform::CurlList headers;
     platform::CurlEasy easy;
-    platform::CurlMulti multi;
+    std::unique_ptr<UpstreamConnection> connection;
+    std::optional<boost::asio::posix::stream_descriptor> readiness; // Of the connection, which owns it.
 };
 
 } // namespace lumarin::service

@@ -3,6 +3,8 @@
 #include "Service/RunningService.h"
 #include "Support/TLSServer.h"
 
+#include <future>
+
 using namespace lumarin::service;
 using namespace tests;
 
@@ -173,10 +175,30 @@ TEST_F(ServerTest, IsNotHeldUpBySlowClients) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
 
+TEST_F(ServerTest, IsNotHeldUpByALongText) {
+    std::string text;
+    while (text.size() < 1'000'000)
+        text += "请问这款样品的报价是多少？";
+    const auto since = [start = Translation::Clock::now()] { return Translation::Clock::now() - start; };
+    auto translation = std::async(std::launch::async, [&] {
+        translated(RunningService::wholeRequest(text).dump());
+        return since();
+    });
+    const auto other = service.client();
+    auto longest = since();
+    while (translation.wait_for(std::chrono::milliseconds(1)) == std::future_status::timeout) {
+        const auto start = since();
+        EXPECT_EQ(other->Get("/healthz").value().status, 200);
+        longest = std::max(longest, since() - start);
+    }
+    EXPECT_LT(longest, translation.get() / 2);
+}
+
 TEST_F(ServerTest, OutlivesWhatIsNoRequest) {
     const std::string post = "POST /v1/free HTTP/1.1\r\n";
     const std::string request = RunningService::streamRequest("样品").dump();
     const std::string chunked = chunk(RunningService::wholeRequest("样品").dump()) + streamEnd;
+    const std::string trailer = "0\r\nX-Sum: 1\r\n\r\n";
     const std::pair<std::string, const char*> cases[] = {
         {std::string("\0\xff\r\n\r\n", 6), "HTTP/1.1 400"},
         {"GET " + std::string(10'000, 'a') + " HTTP/1.1\r\n\r\n", "HTTP/1.1 414"},
@@ -184,6 +206,10 @@ TEST_F(ServerTest, OutlivesWhatIsNoRequest) {
         {"GET /healthz HTTP/1.1\r\nRange: bytes=0-1,0-1,0-1\r\nConnection: close\r\n\r\n", "HTTP/1.1 200"},
         {post + "Content-Length: 99999999999999999999\r\n\r\n{}", "HTTP/1.1 413"},
         {post + "Transfer-Encoding: Chunked\r\nConnection: close\r\n\r\n" + chunked, "HTTP/1.1 200"},
+        {post + "Transfer-Encoding: chunked\r\nConnection: close\r\n\r\n"
+             + chunk(RunningService::wholeRequest("样品").dump()) + trailer,
+         "HTTP/1.1 200"},
+        {post + "Transfer-Encoding: chunked\r\n\r\n2;" + std::string(40'000, 'a'), "HTTP/1.1 400"},
         // Kept by no client of that time, and read by none in chunks.
         {"POST /v1/translate HTTP/1.0\r\nConnection: Keep-Alive\r\nContent-Length: "
              + std::to_string(request.size()) + "\r\n\r\n" + request,
@@ -191,6 +217,8 @@ TEST_F(ServerTest, OutlivesWhatIsNoRequest) {
         {post + "Content-Length: -1\r\n\r\n{}", "HTTP/1.1 400"},
         {post + "Content-Length: 2\r\nContent-Length: 3\r\n\r\n{}", "HTTP/1.1 400"},
         {post + "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n{}", "HTTP/1.1 400"},
+        {post + "Transfer-Encoding: chunked\r\nContent-Length: 2\r\n\r\n{}", "HTTP/1.1 400"},
+        {post + "Transfer-Encoding: gzip, chunked\r\n\r\n" + chunked, "HTTP/1.1 400"},
         {post + "Connection: close\r\n\r\n", "HTTP/1.1 411"},
         {post + "Transfer-Encoding: chunked\r\n\r\nzz\r\n", "HTTP/1.1 400"},
         {post + "Content-Length: 100000\r\nConnection: close\r\n\r\n" + std::string(100'000, '['),
