@@ -20,20 +20,20 @@ char32_t escapedUnit(std::string_view rest) {
     return unit;
 }
 
-std::string withoutHalves(std::string_view json) {
+std::string withoutHalves(std::string_view payload) {
     std::string whole;
-    while (!json.empty()) {
-        const char32_t unit = escapedUnit(json);
+    while (!payload.empty()) {
+        const char32_t unit = escapedUnit(payload);
         const bool isPair =
-            text::isHighSurrogate(unit) && text::isLowSurrogate(escapedUnit(json.substr(escapeLength)));
+            text::isHighSurrogate(unit) && text::isLowSurrogate(escapedUnit(payload.substr(escapeLength)));
         const bool isHalf = !isPair && (text::isHighSurrogate(unit) || text::isLowSurrogate(unit));
         // Of any other escape the second character belongs to it.
-        const std::size_t length = isPair            ? 2 * escapeLength
-                                   : isHalf          ? escapeLength
-                                   : json[0] == '\\' ? 2
-                                                     : 1;
-        whole += isHalf ? "\\ufffd" : json.substr(0, length);
-        json.remove_prefix(std::min(length, json.size()));
+        const std::size_t length = isPair               ? 2 * escapeLength
+                                   : isHalf             ? escapeLength
+                                   : payload[0] == '\\' ? 2
+                                                        : 1;
+        whole += isHalf ? "\\ufffd" : payload.substr(0, length);
+        payload.remove_prefix(std::min(length, payload.size()));
     }
     return whole;
 }
