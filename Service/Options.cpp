@@ -44,6 +44,10 @@ Who is served:
   --names NAME,...     host names and addresses to make it for, besides
                        localhost
   --appcast FOLDER     a folder of updates to serve under /appcast/
+  --tokens FILE        serve only clients with a token; the file has a line for
+                       each and is read anew when it changes
+  --add-client NAME    give a client a token, print it and end
+  --remove-client NAME take it away and end; both change the file of --tokens
 
 How much is served; 0 is no limit:
   --rate N             translations a minute (default 6000)
@@ -79,13 +83,18 @@ std::filesystem::path defaultCertificate() {
     return std::filesystem::path(home) / ".local/share/lumarin-service/certificate.pem";
 }
 
-// A line for each setting, numbered from 1 on in their order, and for the two options that are none.
-std::vector<option> knownOptions(int config, int help) {
+// What stands on the command line alone, beside the settings.
+enum : int { config = 1000, help, addClient, removeClient };
+
+// A line for each setting, numbered from 1 on in their order, and for the options that are none.
+std::vector<option> knownOptions() {
     std::vector<option> known;
     for (const Setting& setting : settings())
         known.push_back({setting.name, required_argument, nullptr, static_cast<int>(known.size()) + 1});
     known.push_back({"config", required_argument, nullptr, config});
     known.push_back({"help", no_argument, nullptr, help});
+    known.push_back({"add-client", required_argument, nullptr, addClient});
+    known.push_back({"remove-client", required_argument, nullptr, removeClient});
     known.push_back({nullptr, 0, nullptr, 0});
     return known;
 }
@@ -96,6 +105,8 @@ void checkAppcast(const Options& options) {
     const auto folder = std::filesystem::canonical(options.appcast);
     auto secrets = options.secretFiles;
     secrets.push_back(keyOf(options.certificate));
+    if (!options.tokens.empty())
+        secrets.push_back(options.tokens);
     for (const auto& secret : secrets)
         if (std::ranges::mismatch(folder,
                                   std::filesystem::weakly_canonical(std::filesystem::absolute(secret)))
@@ -110,6 +121,8 @@ Options finished(Options options) {
         throw OptionError("--" + options.needsUpstream + " is of no use without --upstream.");
     if (options.certificate.empty())
         options.certificate = defaultCertificate();
+    if (options.tokens.empty() && !(options.addClient + options.removeClient).empty())
+        throw OptionError("--tokens FILE has to say where clients' tokens are kept.");
     checkAppcast(options);
     return options;
 }
@@ -117,8 +130,7 @@ Options finished(Options options) {
 } // namespace
 
 Options parseOptions(int count, char* const* arguments) {
-    enum : int { config = 1000, help };
-    const auto known = knownOptions(config, help);
+    const auto known = knownOptions();
     std::vector<std::pair<const Setting*, std::string>> chosen;
     Options options;
     optind = 0; // Starts getopt afresh.
@@ -137,6 +149,10 @@ Options parseOptions(int count, char* const* arguments) {
             setFromFile(options, optarg);
         else if (found == help)
             options.help = true;
+        else if (found == addClient)
+            options.addClient = optarg;
+        else if (found == removeClient)
+            options.removeClient = optarg;
         else
             chosen.emplace_back(&settings()[static_cast<std::size_t>(found) - 1], optarg);
     }

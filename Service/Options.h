@@ -37,6 +37,10 @@ struct Options {
 
     std::filesystem::path appcast; // Empty for none.
 
+    std::filesystem::path tokens; // Empty: everybody is served.
+    std::string addClient;        // Whom to give a token instead of serving, if anybody.
+    std::string removeClient;     // Whom to take it away from.
+
     std::vector<std::filesystem::path> secretFiles; // That have been named, and may not be served.
     std::string needsUpstream;                      // An option that has been used.
     bool help = false;

@@ -21,6 +21,7 @@ constexpr const char* metricsPath = "/metrics";
 constexpr std::string_view appcastPath = "/appcast/";
 constexpr std::size_t longestDeviceName = 128;
 constexpr std::size_t readInAMoment = std::size_t{16} * 1024;
+constexpr int unauthorized = 401;
 constexpr int clientClosedRequest = 499; // As other servers log it; nobody is there to read it.
 
 constexpr const char* plainText = "text/plain; charset=utf-8";
@@ -50,9 +51,12 @@ void refuse(const Refusal& refusal, Exchange& exchange) {
     Exchange::Fields fields;
     if (refusal.retryAfter)
         fields.emplace_back("Retry-After", std::to_string(refusal.retryAfter->count()));
+    if (refusal.status == unauthorized)
+        fields.emplace_back("WWW-Authenticate", "Bearer");
     exchange.refuse(refusal.status, sentence, fields);
 }
 
+// By what a request is counted where it has no token.
 std::string deviceOf(const Exchange& exchange) {
     const std::string name = exchange.request().value("X-Device-ID");
     return name.empty() ? "address " + exchange.place().address
@@ -94,6 +98,8 @@ Server::Server(const TranslationEngine& chosen, const Options& options, const Lo
           [this](const Exchange& exchange) { report(exchange); }) {
     if (!options.appcast.empty())
         appcast.emplace(options.appcast);
+    if (!options.tokens.empty())
+        tokens.emplace(options.tokens, events);
 }
 
 asio::awaitable<void> Server::answer(Exchange& exchange) {
@@ -174,8 +180,11 @@ asio::awaitable<void> Server::send(const FileFolder::File& file, Exchange& excha
 }
 
 asio::awaitable<void> Server::translate(AnswerForm form, Exchange& exchange) {
+    // Before anything is read of what a stranger sends.
+    const std::string user =
+        tokens ? "client " + tokens->client(exchange.request().value("Authorization")) : deviceOf(exchange);
     const std::string body = co_await exchange.body();
-    auto pass = limits.admit(deviceOf(exchange), exchange.place().address);
+    auto pass = limits.admit(user, exchange.place().address);
     TranslationRequest wanted;
     if (body.size() <= readInAMoment)
         wanted = parse(form, body);

@@ -8,6 +8,7 @@
 #include "Service/Metrics.h"
 #include "Service/Options.h"
 #include "Service/Support/Log.h"
+#include "Service/Tokens.h"
 #include "Service/TranslationAnswer.h"
 
 #include <cstdint>
@@ -20,8 +21,8 @@ namespace lumarin::service {
 // the log are called from that. Keeps and logs nothing of what is sent to it.
 class Server {
 public:
-    // `engine` and `events` outlive the server. Throws std::runtime_error when the certificate cannot be
-    // used.
+    // `engine` and `events` outlive the server. Throws std::runtime_error when the certificate or the tokens
+    // cannot be used.
     Server(const TranslationEngine& chosen, const Options& options, const Log& events);
 
     // Takes connections in from now on, to be answered by run(); port 0 takes any free one. Returns the port.
@@ -49,6 +50,7 @@ private:
     const TranslationEngine& engine;
     const Log& log;
     std::optional<FileFolder> appcast;
+    std::optional<Tokens> tokens;
     Limits limits;
     Metrics metrics;
     CertificateKeeper certificates;

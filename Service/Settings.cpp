@@ -154,6 +154,8 @@ constexpr auto all = std::to_array<Setting>({
     {"connections", Setting::Kind::number, setNumber<&Options::connections, 1, million>},
     {"request-time", Setting::Kind::number, setSeconds<&Options::requestTime, 86400>},
     {"appcast", Setting::Kind::path, setAppcast},
+    {"tokens", Setting::Kind::path,
+     [](Options& options, const std::string& value) { options.tokens = value; }},
 });
 
 // The value as it would be written on the command line.

@@ -1,6 +1,7 @@
 #include "Service/Gloss/Gloss.h"
 #include "Service/Options.h"
 #include "Service/Server.h"
+#include "Service/Tokens.h"
 #include "Service/Upstream/Upstream.h"
 
 #include <boost/asio/co_spawn.hpp>
@@ -58,7 +59,7 @@ std::unique_ptr<Server> makeServer(const TranslationEngine& engine, const Option
     try {
         return std::make_unique<Server>(engine, options, log);
     } catch (const std::runtime_error& error) {
-        throw OptionError(error.what()); // A certificate that cannot be used.
+        throw OptionError(error.what()); // A certificate or tokens that cannot be used.
     }
 }
 
@@ -92,7 +93,12 @@ int main(int count, char** arguments) {
             std::cout << usage();
             return EXIT_SUCCESS;
         }
-        serve(options);
+        if (!options.removeClient.empty())
+            Tokens::remove(options.tokens, options.removeClient);
+        if (!options.addClient.empty())
+            std::cout << Tokens::add(options.tokens, options.addClient) << "\n";
+        if (options.addClient.empty() && options.removeClient.empty())
+            serve(options);
         return EXIT_SUCCESS;
     } catch (const OptionError& error) {
         std::cerr << "lumarin-service: " << error.what() << "\n";

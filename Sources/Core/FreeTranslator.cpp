@@ -1,6 +1,5 @@
 #include "Core/FreeTranslator.h"
 
-#include "Core/DeviceID.h"
 #include "Core/ServiceAddress.h"
 #include "Core/TranslationError.h"
 #include "Platform/Foundation/Text.h"
@@ -26,7 +25,7 @@ platform::Task<std::string> FreeTranslator::translate(std::string text, TargetLa
     platform::HTTPRequest request;
     request.url = serviceURL("/v1/free");
     request.method = "POST";
-    request.headers = {{"Content-Type", "application/json"}, {"X-Device-ID", DeviceID::current()}};
+    request.headers = serviceHeaders();
     request.body = body.dump();
 
     auto answer = co_await session->bytes(std::move(request));

@@ -1,6 +1,5 @@
 #include "Core/LLMTranslator.h"
 
-#include "Core/DeviceID.h"
 #include "Core/Logger.h"
 #include "Core/ServiceAddress.h"
 #include "Core/StreamedDelta.h"
@@ -77,7 +76,7 @@ Task<std::string> LLMTranslator::translateStream(std::string text, StylePreset s
     platform::HTTPRequest request;
     request.url = serviceURL(path);
     request.method = "POST";
-    request.headers = {{"Content-Type", "application/json"}, {"X-Device-ID", DeviceID::current()}};
+    request.headers = serviceHeaders();
     request.body = body.dump();
     request.timeout = 15s;
 

@@ -136,6 +136,18 @@ TEST_F(TranslationClients, RequestsHoldWhatTheServiceExpects) {
     EXPECT_EQ(plain.headers, headers);
 }
 
+TEST_F(TranslationClients, ShowTheUsersTokenToTheService) {
+    std::filesystem::create_directories(folder / "Configuration");
+    folder.write("Configuration/Info.json", R"({"LumarinServiceToken": "anna.5ec2e7\n"})");
+    stream(deltaLine("Quote"));
+    answer = {.pieces = {R"({"text": "salut"})"}};
+    translateFree();
+    ASSERT_EQ(host.network.requests.size(), 2U);
+    for (const auto& request : host.network.requests)
+        EXPECT_EQ(request.headers.back(),
+                  (std::pair<std::string, std::string>{"Authorization", "Bearer anna.5ec2e7"}));
+}
+
 TEST_F(TranslationClients, DeviceIDIsKeptAsStoredAndMadeAnewWhenGone) {
     auto& defaults = host.userDefaults();
     auto created = DeviceID::current();

@@ -99,6 +99,7 @@ TEST(Options, RefuseWhatCannotBeMeant) {
                                                    {"--timeout", "1s"},
                                                    {"--names", "a,,b"},
                                                    {"--names", "a b"},
+                                                   {"--add-client", "anna"},
                                                    {"--appcast", missing.c_str()}};
     for (const auto& bad : badFiles)
         cases.push_back({"--config", bad.c_str()});

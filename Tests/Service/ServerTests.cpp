@@ -14,7 +14,7 @@ constexpr const char* jsonType = "application/json";
 
 struct ServerTest : testing::Test {
     // What the one-piece service makes of a body.
-    nlohmann::json translated(const std::string& body, const char* type = json) {
+    nlohmann::json translated(const std::string& body, const char* type = jsonType) {
         auto answer = client->Post("/v1/free", body, type);
         EXPECT_EQ(answer.value().status, 200);
         return nlohmann::json::parse(answer->body).at("text");
@@ -122,6 +122,36 @@ TEST_F(ServerTest, SpeaksToMonitorsAndLogsNothingOfWhatWasSaid) {
     for (const auto& line : log)
         for (const char* said : {"secret", "样品", "ample"})
             EXPECT_EQ(line.dump().find(said), std::string::npos) << line;
+}
+
+TEST(ServerWithTokens, TranslatesForItsClientsAlone) {
+    const TemporaryFolder folder;
+    const auto file = folder / "tokens";
+    const auto token = Tokens::add(file, "anna");
+    const Gloss gloss;
+    const RunningService service(gloss, [&](Options& options) {
+        options.tokens = file;
+        options.deviceRate = 2;
+    });
+    const auto client = service.client();
+    const auto body = RunningService::wholeRequest("样品").dump();
+    const auto statusWith = [&](const httplib::Headers& headers) {
+        return client->Post("/v1/free", headers, body, jsonType).value().status;
+    };
+    const auto refused = client->Post("/v1/free", body, jsonType);
+    EXPECT_EQ(refused->status, 401);
+    EXPECT_EQ(refused->get_header_value("WWW-Authenticate"), "Bearer");
+    EXPECT_LE(refused->body.size(), 100U) << "as much as is shown: " << refused->body;
+    EXPECT_EQ(statusWith({{"Authorization", "Bearer anna.guessed"}}), 401);
+    const std::string bearer = "Bearer " + token;
+    EXPECT_EQ(statusWith({{"Authorization", bearer}}), 200);
+    // What it says of itself besides does not count.
+    EXPECT_EQ(statusWith({{"Authorization", bearer}, {"X-Device-ID", "one"}}), 200);
+    EXPECT_EQ(statusWith({{"Authorization", bearer}, {"X-Device-ID", "two"}}), 429);
+    EXPECT_EQ(client->Head("/v1/translate").value().status, 200);
+    EXPECT_EQ(client->Get("/healthz").value().status, 200);
+    for (const auto& line : service.log())
+        EXPECT_EQ(line.dump().find(token.substr(5)), std::string::npos);
 }
 
 TEST_F(ServerTest, ServesTheFilesOfItsFolderAndNoOthers) {

@@ -30,6 +30,13 @@ std::filesystem::path placeOfCertificate(const std::filesystem::path& name, cons
     return folders.applicationSupport / name;
 }
 
+// It is written by hand and may hold a token.
+void makePrivate(const std::filesystem::path& ownInfo) {
+    std::error_code ignored;
+    std::filesystem::permissions(
+        ownInfo, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ignored);
+}
+
 // Those that a window manager knows: neither the menu nor the pill.
 std::vector<QWindow*> openWindows() {
     std::vector<QWindow*> result;
@@ -65,6 +72,7 @@ DesktopHost::DesktopHost(char* program, LogSink sink)
     // A program without windows is running all the same.
     qt->setQuitOnLastWindowClosed(false);
     keepOutOfSavedSessions(*qt);
+    makePrivate(folders.configuration / "Info.json");
     terminations.report([this] { endEventLoop(); });
     calls.report([this] { reopen(); });
 }

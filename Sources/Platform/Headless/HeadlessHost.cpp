@@ -19,7 +19,7 @@ Directories foldersBelow(const std::filesystem::path& root, const std::filesyste
 
 HeadlessHost::HeadlessHost(const std::filesystem::path& root, const std::filesystem::path& resources)
     : folders(foldersBelow(root, resources)),
-      bundle(resources),
+      bundle(resources, folders.configuration / "Info.json"),
       defaults(folders.configuration / "defaults.json") {}
 
 HeadlessHost::~HeadlessHost() {
