@@ -8,6 +8,9 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = Exchange::Clock;
 
+// As many as can be there at once without anybody else having to wait for them.
+constexpr std::size_t manyPieces = 100;
+
 struct FormDetails {
     const char* contentType;
     // The program gives up when it has heard nothing for 15 seconds from a stream and for 10 from the other.
@@ -64,6 +67,8 @@ asio::awaitable<std::string> TranslationAnswer::nextOutput() {
         case Progress::Kind::piece:
             if (exchange.pieces++ == 0)
                 exchange.untilFirstPiece = Clock::now() - exchange.start;
+            else if (exchange.pieces % manyPieces == 0)
+                co_await giveWay();
             if (form == AnswerForm::stream)
                 co_return event(progress.piece);
             text += progress.piece;

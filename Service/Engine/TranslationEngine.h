@@ -38,8 +38,8 @@ public:
     // The next piece, if it is there; never waits. Throws a Refusal when the translation is lost.
     virtual Progress next() = 0;
 
-    // Waits until next() may have more to give, until `moment` at the longest. Can be cancelled. Throws
-    // nothing.
+    // Waits until next() may have more to give, until `moment` at the longest, or until that is
+    // cancelled. Throws nothing.
     virtual boost::asio::awaitable<void> wait(Clock::time_point moment) = 0;
 
     // To be called once the whole translation has been handed on: takes a moment to leave things in order for

@@ -128,7 +128,7 @@ asio::awaitable<bool> Exchange::leave() {
     if (!std::exchange(hasLeft, true))
         ended(*this);
     const bool isTaken = co_await stream.flush();
-    co_return isTaken&& isComplete && !closes;
+    co_return isComplete && !closes && isTaken;
 }
 
 void Exchange::fail(const Abandoned& abandoned) {

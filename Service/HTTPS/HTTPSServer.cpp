@@ -9,6 +9,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <csignal>
+#include <netinet/tcp.h>
 #include <stdexcept>
 
 namespace lumarin::service {
@@ -23,6 +24,12 @@ constexpr std::chrono::seconds headTime = 10s;
 constexpr int backlog = 1024;
 constexpr auto certificateCheck = 1min;
 constexpr auto pauseWithoutDescriptors = 10ms;
+
+// So much at the most waits in the system for a client that reads slowly: nobody works ahead for it.
+void limitUnsent(tcp::socket& socket) {
+    const int bytes = 65536;
+    ::setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &bytes, sizeof bytes);
+}
 
 error_code listen(tcp::acceptor& acceptor, const tcp::endpoint& endpoint) {
     error_code error;
@@ -119,6 +126,7 @@ asio::awaitable<void> HTTPSServer::serveConnection(std::unique_ptr<Connections::
     error_code none;
     place->socket.native_non_blocking(true, none);
     place->socket.set_option(tcp::no_delay(true), none);
+    limitUnsent(place->socket);
     TLSStream stream(place->socket, *certificate);
     bool goesOn = co_await stream.accept(workers);
     for (std::size_t left = requestsPerConnection; goesOn && left > 0 && !isStopping; --left) {

@@ -10,8 +10,8 @@
 
 namespace lumarin::service {
 
-// TLS over an accepted connection. Every wait has an end. Written on the socket itself rather than on Asio's
-// own TLS: that keeps 70 kB for each connection, and most of them idle most of the time.
+// TLS over an accepted connection. Every wait has an end. Stands on the socket itself rather than on Asio's
+// own TLS, which keeps buffers for each connection, while most of them idle most of the time.
 class TLSStream {
 public:
     using Clock = std::chrono::steady_clock;

@@ -1,12 +1,13 @@
 #include "Service/Support/Async.h"
 
-#include <boost/asio/co_spawn.hpp>
 #include <boost/asio/deferred.hpp>
+#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/experimental/parallel_group.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
+#include <exception>
 
 namespace lumarin::service {
 namespace {
@@ -44,13 +45,21 @@ asio::awaitable<void> giveWay() {
 }
 
 asio::awaitable<void> inBackground(asio::thread_pool& pool, std::function<void()> work) {
-    co_await asio::co_spawn(
-        pool,
-        [&]() -> asio::awaitable<void> {
-            work();
-            co_return;
-        },
-        asio::use_awaitable);
+    const auto initiate = [&](auto handler) {
+        asio::post(
+            pool, [&, waiting = asio::make_work_guard(handler), coming = std::move(handler)]() mutable {
+                std::exception_ptr failure;
+                try {
+                    work();
+                } catch (...) {
+                    failure = std::current_exception();
+                }
+                asio::post(waiting.get_executor(),
+                           [failure, back = std::move(coming)]() mutable { std::move(back)(failure); });
+            });
+    };
+    co_await asio::async_initiate<const asio::use_awaitable_t<>, void(std::exception_ptr)>(
+        initiate, asio::use_awaitable);
 }
 
 } // namespace lumarin::service

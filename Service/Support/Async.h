@@ -26,6 +26,7 @@ asio::awaitable<void> pause(std::chrono::steady_clock::duration time);
 asio::awaitable<void> giveWay();
 
 // Runs what would hold up everybody else on a thread of the pool, and comes back. Throws what `work` throws.
+// Cannot be cancelled.
 asio::awaitable<void> inBackground(asio::thread_pool& pool, std::function<void()> work);
 
 } // namespace lumarin::service

@@ -108,8 +108,9 @@ void UpstreamTransfer::setUp() {
         set(CURLOPT_PROXY, "");
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
-    // The folder of authorities is read as far as needed; the file with all of them takes long to read.
-    set(CURLOPT_CAINFO, nullptr);
+    // A folder of authorities is read as far as needed; reading all of them from a file holds everybody up.
+    if (curl_version_info(CURLVERSION_NOW)->capath)
+        set(CURLOPT_CAINFO, nullptr);
     if (settings.authorities) {
         // A cached store would take the place of the one that the certificates are added to.
         set(CURLOPT_CA_CACHE_TIMEOUT, 0L);

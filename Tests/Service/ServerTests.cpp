@@ -1,6 +1,7 @@
 #include "Service/Gloss/Gloss.h"
 #include "Service/RawClient.h"
 #include "Service/RunningService.h"
+#include "Support/ComesTrue.h"
 #include "Support/TLSServer.h"
 
 #include <future>
@@ -11,6 +12,13 @@ using namespace tests;
 namespace {
 
 constexpr const char* jsonType = "application/json";
+
+std::string longText() {
+    std::string text;
+    while (text.size() < 1'000'000)
+        text += "请问这款样品的报价是多少？";
+    return text;
+}
 
 struct ServerTest : testing::Test {
     // What the one-piece service makes of a body.
@@ -206,12 +214,9 @@ TEST_F(ServerTest, IsNotHeldUpBySlowClients) {
 }
 
 TEST_F(ServerTest, IsNotHeldUpByALongText) {
-    std::string text;
-    while (text.size() < 1'000'000)
-        text += "请问这款样品的报价是多少？";
     const auto since = [start = Translation::Clock::now()] { return Translation::Clock::now() - start; };
     auto translation = std::async(std::launch::async, [&] {
-        translated(RunningService::wholeRequest(text).dump());
+        translated(RunningService::wholeRequest(longText()).dump());
         return since();
     });
     const auto other = service.client();
@@ -222,6 +227,22 @@ TEST_F(ServerTest, IsNotHeldUpByALongText) {
         longest = std::max(longest, since() - start);
     }
     EXPECT_LT(longest, translation.get() / 2);
+}
+
+TEST_F(ServerTest, GivesALongTextUpWhenItsClientVanishes) {
+    const std::string body = RunningService::wholeRequest(longText()).dump();
+    for (int number = 0; number < 20; ++number) {
+        RawClient vanishing(service.port);
+        vanishing.send("POST /v1/free HTTP/1.1\r\nX-Device-ID: " + std::to_string(number)
+                       + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+        std::this_thread::sleep_for(std::chrono::milliseconds(number));
+    }
+    EXPECT_TRUE(comesTrue([&] {
+        return client->Get("/metrics").value().body.find("lumarin_translations 0\n") != std::string::npos;
+    }));
+    EXPECT_TRUE(std::ranges::any_of(service.log(), [](const auto& line) {
+        return line.value("failure", "") == "client gone" && line["status"] == 499;
+    }));
 }
 
 TEST_F(ServerTest, OutlivesWhatIsNoRequest) {
