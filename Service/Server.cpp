@@ -21,7 +21,6 @@ constexpr const char* metricsPath = "/metrics";
 constexpr std::string_view appcastPath = "/appcast/";
 constexpr std::size_t longestDeviceName = 128;
 constexpr std::size_t readInAMoment = std::size_t{16} * 1024;
-constexpr int unauthorized = 401;
 constexpr int clientClosedRequest = 499; // As other servers log it; nobody is there to read it.
 
 constexpr const char* plainText = "text/plain; charset=utf-8";
@@ -51,7 +50,7 @@ void refuse(const Refusal& refusal, Exchange& exchange) {
     Exchange::Fields fields;
     if (refusal.retryAfter)
         fields.emplace_back("Retry-After", std::to_string(refusal.retryAfter->count()));
-    if (refusal.status == unauthorized)
+    if (refusal.status == Tokens::unauthorized)
         fields.emplace_back("WWW-Authenticate", "Bearer");
     exchange.refuse(refusal.status, sentence, fields);
 }

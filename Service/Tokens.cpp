@@ -76,8 +76,7 @@ std::string stampOf(const std::filesystem::path& file) {
 }
 
 [[noreturn]] void refuse(const char* sentence, const char* cause) {
-    constexpr int unauthorized = 401;
-    throw Refusal(unauthorized, sentence, cause);
+    throw Refusal(Tokens::unauthorized, sentence, cause);
 }
 
 } // namespace

@@ -18,6 +18,8 @@ class Tokens {
 public:
     using Clock = std::chrono::steady_clock;
 
+    static constexpr int unauthorized = 401;
+
     // `events` outlives the tokens. Throws std::runtime_error when the file cannot be read, has a line that
     // is none of ours, or can be read by others.
     Tokens(std::filesystem::path file, const Log& events);

@@ -6,7 +6,6 @@ namespace lumarin::service {
 namespace {
 
 using namespace std::chrono_literals;
-using Clock = Exchange::Clock;
 
 // As many as can be there at once without anybody else having to wait for them.
 constexpr std::size_t manyPieces = 100;
@@ -14,7 +13,7 @@ constexpr std::size_t manyPieces = 100;
 struct FormDetails {
     const char* contentType;
     // The program gives up when it has heard nothing for 15 seconds from a stream and for 10 from the other.
-    Clock::duration patience;
+    Exchange::Clock::duration patience;
     // Said instead of a piece to keep it waiting: a comment, and white space before the JSON.
     const char* keepAlive;
 };
@@ -31,7 +30,7 @@ asio::awaitable<void> TranslationAnswer::give() {
     begin(output);
     while (true) {
         exchange.add(output);
-        lastOutput = Clock::now();
+        lastOutput = Exchange::Clock::now();
         if (isComplete)
             break;
         if (exchange.isWorthFlushing())
@@ -66,7 +65,7 @@ asio::awaitable<std::string> TranslationAnswer::nextOutput() {
             co_return form == AnswerForm::stream ? "data: [DONE]\n\n" : nlohmann::json{{"text", text}}.dump();
         case Progress::Kind::piece:
             if (exchange.pieces++ == 0)
-                exchange.untilFirstPiece = Clock::now() - exchange.start;
+                exchange.untilFirstPiece = Exchange::Clock::now() - exchange.start;
             else if (exchange.pieces % manyPieces == 0)
                 co_await giveWay();
             if (form == AnswerForm::stream)
@@ -81,7 +80,7 @@ asio::awaitable<Progress> TranslationAnswer::nextProgress() {
     const auto moment = lastOutput + detailsOf(form).patience;
     while (true) {
         Progress progress = translation->next();
-        if (progress.kind != Progress::Kind::nothingYet || Clock::now() >= moment)
+        if (progress.kind != Progress::Kind::nothingYet || Exchange::Clock::now() >= moment)
             co_return progress;
         co_await exchange.flush();
         if (!watch)

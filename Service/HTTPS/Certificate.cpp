@@ -21,7 +21,7 @@ namespace {
 using namespace std::chrono_literals;
 
 namespace files = platform::files;
-using Clock = std::chrono::system_clock;
+using WallClock = std::chrono::system_clock;
 
 // Long enough to tell those who trust it of the new one.
 constexpr std::chrono::days renewal{30};
@@ -48,8 +48,8 @@ PrivateKey parseKey(const std::string& text) {
     return PrivateKey(PEM_read_bio_PrivateKey(reading(text).get(), nullptr, nullptr, none));
 }
 
-bool endsBefore(const X509& certificate, Clock::time_point moment) {
-    std::time_t time = Clock::to_time_t(moment);
+bool endsBefore(const X509& certificate, WallClock::time_point moment) {
+    std::time_t time = WallClock::to_time_t(moment);
     return X509_cmp_time(X509_get0_notAfter(&certificate), &time) <= 0;
 }
 
@@ -66,7 +66,7 @@ struct Found {
     bool isPair() const {
         return certificate && key && X509_check_private_key(certificate.get(), key.get()) == 1;
     }
-    bool lasts(Clock::time_point now) const {
+    bool lasts(WallClock::time_point now) const {
         return !endsBefore(*certificate, isOurs() ? now + renewal : now);
     }
 
@@ -104,7 +104,8 @@ private:
                                        + " and " + pair.key.string() + ".");
 }
 
-void writePair(const CertificateFiles& pair, const std::vector<std::string>& names, Clock::time_point now) {
+void writePair(const CertificateFiles& pair, const std::vector<std::string>& names,
+               WallClock::time_point now) {
     // The certificate first: a key alone could be anyone's, and would not be written over.
     const auto fresh = makeSelfSigned(now, names);
     files::writeAtomically(pair.certificate, fresh.certificate);
@@ -126,7 +127,7 @@ std::filesystem::path keyOf(std::filesystem::path certificate) {
 }
 
 CertificateFiles ensureCertificate(const std::filesystem::path& path, const std::vector<std::string>& names,
-                                   Clock::time_point now) {
+                                   WallClock::time_point now) {
     CertificateFiles pair{.certificate = std::filesystem::absolute(path), .key = {}};
     pair.key = keyOf(pair.certificate);
     if (pair.key == pair.certificate)
@@ -150,7 +151,7 @@ CertificateFiles ensureCertificate(const std::filesystem::path& path, const std:
 }
 
 void renewCertificate(const CertificateFiles& pair, const std::vector<std::string>& names,
-                      Clock::time_point now) {
+                      WallClock::time_point now) {
     const Found found(pair);
     if (found.isPair() && found.lasts(now)) {
         keepPrivate(found, pair);

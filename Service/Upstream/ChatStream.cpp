@@ -13,7 +13,6 @@ namespace {
 
 using nlohmann::json;
 
-constexpr int badGateway = 502;
 constexpr std::size_t enoughOfAnError = std::size_t{64} * 1024;
 
 // The first object of an array member, or nothing.

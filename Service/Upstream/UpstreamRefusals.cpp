@@ -11,7 +11,6 @@ using namespace std::chrono_literals;
 
 constexpr int notFound = 404;
 constexpr int tooManyRequests = 429;
-constexpr int badGateway = 502;
 constexpr int unavailable = 503;
 constexpr int gatewayTimeout = 504;
 constexpr std::chrono::seconds longestWait = 1h;

@@ -11,6 +11,8 @@
 // What a person is told, and the log, when the model server gives no translation.
 namespace lumarin::service {
 
+inline constexpr int badGateway = 502;
+
 // The transfer failed with `code`, which is `sentence` in words.
 Refusal failedTransfer(CURLcode code, const std::string& sentence);
 

@@ -59,4 +59,8 @@ const platform::Bundle* LocalizationManager::lprojBundle(const std::string& name
     return nullptr;
 }
 
+std::string localized(const std::string& key) {
+    return LocalizationManager::shared().localized(key);
+}
+
 } // namespace lumarin

@@ -40,4 +40,7 @@ struct RawValues<LocalizationManager::Language> {
     static constexpr auto texts = std::to_array<std::string_view>({"system", "zh", "en"});
 };
 
+// A text of the program's own, in the interface language of the moment.
+std::string localized(const std::string& key);
+
 } // namespace lumarin

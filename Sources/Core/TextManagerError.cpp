@@ -24,7 +24,7 @@ ErrorWording wordingOf(TextManagerError::Case errorCase) {
 TextManagerError::TextManagerError(Case which) : LocalizedError(wordingOf(which).name), errorCase(which) {}
 
 std::string TextManagerError::errorDescription() const {
-    return LocalizationManager::shared().localized(wordingOf(errorCase).key);
+    return localized(wordingOf(errorCase).key);
 }
 
 } // namespace lumarin

@@ -32,7 +32,7 @@ TranslationError::TranslationError(Case which, std::string text)
       message(std::move(text)) {}
 
 std::string TranslationError::errorDescription() const {
-    auto text = LocalizationManager::shared().localized(wordingOf(errorCase).key);
+    auto text = localized(wordingOf(errorCase).key);
     bool hasMessage = errorCase == Case::networkError || errorCase == Case::apiError;
     return hasMessage ? platform::text::format(text, {message}) : text;
 }

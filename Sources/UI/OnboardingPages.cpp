@@ -16,10 +16,6 @@ using namespace platform;
 
 constexpr auto secondary = Color::system(SystemColor::secondaryLabel);
 
-std::string localized(const std::string& key) {
-    return LocalizationManager::shared().localized(key);
-}
-
 void addHead(const char* emoji, const std::string& title, View& page) {
     constexpr auto color = Color::system(SystemColor::label);
     page.addSubview(centeredLabel(emoji, Font::systemFont(28), color, {20, 280, 340, 34}));

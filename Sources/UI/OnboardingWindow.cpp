@@ -119,8 +119,7 @@ void OnboardingWindow::showGranted() {
         constexpr auto green = Color::system(SystemColor::green);
         statusLabel->setAttributedStringValue(
             {{"", Font::systemFont(11), green, std::move(symbol)},
-             {" " + LocalizationManager::shared().localized("onboarding.permission.granted"),
-              Font::systemFont(12), green}});
+             {" " + localized("onboarding.permission.granted"), Font::systemFont(12), green}});
     }
     Host::current().mainRunLoop().postAfter(400ms, [weak = weak_from_this()] {
         // The person may have gone on by the button.

@@ -13,10 +13,6 @@ using platform::MenuItem;
 
 namespace {
 
-std::string localized(const std::string& key) {
-    return LocalizationManager::shared().localized(key);
-}
-
 // The name of a case: of a mode, a language or a style.
 template <typename Enumeration>
 std::string nameOf(const std::string& prefix, Enumeration value) {

@@ -9,13 +9,13 @@
 namespace platform {
 namespace {
 
-constinit AnimationContext* innermost = nullptr;
+constinit AnimationContext* innermostContext = nullptr;
 
 // Makes a context the innermost one for as long as it lives.
 class Group {
 public:
-    explicit Group(AnimationContext& context) : outer(std::exchange(innermost, &context)) {}
-    ~Group() { innermost = outer; }
+    explicit Group(AnimationContext& context) : outer(std::exchange(innermostContext, &context)) {}
+    ~Group() { innermostContext = outer; }
     Group(const Group&) = delete;
     Group& operator=(const Group&) = delete;
 
@@ -38,7 +38,7 @@ void AnimationContext::runAnimationGroup(const std::function<void(AnimationConte
 
 void AnimationContext::animate(const std::function<void()>& change) {
     AnimationContext plain;
-    AnimationContext& context = innermost ? *innermost : plain;
+    AnimationContext& context = innermostContext ? *innermostContext : plain;
     context.longest = std::max(context.longest, context.duration);
     const Transaction transaction(context.duration, context.timingFunction);
     change();

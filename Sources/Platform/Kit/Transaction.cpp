@@ -3,21 +3,21 @@
 namespace platform {
 namespace {
 
-constinit const Transaction* innermost = nullptr;
+constinit const Transaction* innermostTransaction = nullptr;
 
 } // namespace
 
 Transaction::Transaction(Duration length, TimingFunction curve)
-    : duration(length), timingFunction(curve), outer(innermost) {
-    innermost = this;
+    : duration(length), timingFunction(curve), outer(innermostTransaction) {
+    innermostTransaction = this;
 }
 
 Transaction::~Transaction() {
-    innermost = outer;
+    innermostTransaction = outer;
 }
 
 const Transaction* Transaction::current() {
-    return innermost;
+    return innermostTransaction;
 }
 
 } // namespace platform
