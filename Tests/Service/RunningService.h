@@ -3,6 +3,7 @@
 #include "Service/Server.h"
 #include "Support/TemporaryFolder.h"
 
+#include <chrono>
 #include <gtest/gtest.h>
 #include <httplib.h>
 #include <mutex>
@@ -35,6 +36,8 @@ public:
         made->set_ca_cert_path(options.certificate.c_str());
         made->set_keep_alive(true);
         made->set_tcp_nodelay(true);
+        // A long text takes its time under a sanitizer.
+        made->set_read_timeout(std::chrono::seconds(60));
         return made;
     }
 
