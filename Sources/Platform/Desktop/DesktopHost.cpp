@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QSessionManager>
+#include <QSocketNotifier>
 #include <QWindow>
 
 namespace platform::desktop {
@@ -60,13 +61,14 @@ void keepOutOfSavedSessions(const QGuiApplication& application) {
 
 } // namespace
 
-DesktopHost::DesktopHost(char* program, LogSink sink)
+DesktopHost::DesktopHost(char* program, const SingleInstance& place, LogSink sink)
     : arguments(program),
       qt(std::make_unique<QApplication>(arguments.count(), arguments.values())),
       log(std::move(sink)),
       runLoop(std::make_unique<QtRunLoop>()),
       folders(sessionDirectories()),
       bundle(folders.resources, folders.configuration / "Info.json"),
+      instance(place),
       autostart(folders.configuration.parent_path() / "autostart", folders.executable),
       defaults(folders.configuration / "defaults.json") {
     // A program without windows is running all the same.
@@ -74,7 +76,10 @@ DesktopHost::DesktopHost(char* program, LogSink sink)
     keepOutOfSavedSessions(*qt);
     makePrivate(folders.configuration / "Info.json");
     terminations.report([this] { endEventLoop(); });
-    calls.report([this] { reopen(); });
+    if (instance.descriptor() >= 0) {
+        calls = std::make_unique<QSocketNotifier>(instance.descriptor(), QSocketNotifier::Read);
+        QObject::connect(calls.get(), &QSocketNotifier::activated, [this] { heedCalls(); });
+    }
 }
 
 DesktopHost::~DesktopHost() = default;
@@ -114,6 +119,15 @@ void DesktopHost::activate() {
 void DesktopHost::perform(const std::string& command) {
     if (command == "terminate:")
         app.terminate();
+}
+
+void DesktopHost::heedCalls() {
+    while (const auto call = instance.receive()) {
+        if (call->command == "open")
+            reopen();
+        else if (!performCall(*call))
+            log("[Hotkey] Not possible in this session: Lumarin " + call->command);
+    }
 }
 
 void DesktopHost::reopen() {

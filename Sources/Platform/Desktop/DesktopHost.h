@@ -14,6 +14,7 @@
 #include <thread>
 
 class QApplication;
+class QSocketNotifier;
 
 namespace platform::desktop {
 
@@ -46,8 +47,8 @@ public:
     std::shared_ptr<HTTPSession> makeHTTPSession(HTTPSessionConfiguration configuration) override;
 
 protected:
-    // `program` is the name the program was started by and outlives the host.
-    DesktopHost(char* program, LogSink sink);
+    // `program` is the name the program was started by; it and the place outlive the host.
+    DesktopHost(char* program, const SingleInstance& place, LogSink sink);
 
     // What keeps this process from watching and typing keys: the key of the host's text about it. Null if
     // nothing does.
@@ -56,6 +57,9 @@ protected:
     virtual void bringForward(QWindow& window) = 0;
     // Once the program is launched, for what can wait until then.
     virtual void prepareRest() {}
+    // Does what another start of the program asked for; false if it is nothing that this kind of session
+    // knows.
+    virtual bool performCall(const Call& /*call*/) { return false; }
     // Gives back what the session lent; everything of the program has stopped.
     virtual void leaveSession() = 0;
 
@@ -64,11 +68,11 @@ protected:
 
 private:
     void startBackground();
+    void heedCalls();
     void reopen();
 
     // First: no thread may be there before them.
     SignalWatch terminations{SIGTERM, SIGINT, SIGHUP};
-    SignalWatch calls{SingleInstance::call};
     QtArguments arguments;
     std::unique_ptr<QApplication> qt;
 
@@ -79,6 +83,8 @@ protected:
     const Bundle bundle;
 
 private:
+    const SingleInstance& instance;
+    std::unique_ptr<QSocketNotifier> calls;
     Application app;
     const HostTexts texts{bundle, app};
     DesktopAlerts alertWindows{[this](QWindow& window) { bringForward(window); }, texts, bundle};

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <array>
+#include <cstdlib>
 #include <string>
 
 namespace platform::desktop {
 
-// What Qt is started with. It has to stay on X, which it would leave in a Wayland session if it could. Said
-// by argument: a variable of the environment would go to the programs that are started from here.
+// What Qt is started with. It stays on X where there is one, in a Wayland session too: there it can place its
+// windows and menus. Said by argument: a variable of the environment would go to the programs that are
+// started from here.
 class QtArguments {
 public:
     // `program` outlives the arguments.
@@ -20,7 +22,7 @@ public:
 
 private:
     std::string option = "-platform";
-    std::string plugin = "xcb";
+    std::string plugin = std::getenv("DISPLAY") || !std::getenv("WAYLAND_DISPLAY") ? "xcb" : "wayland";
     std::array<char*, 4> words;
     int count_ = 3;
 };

@@ -28,8 +28,8 @@ void handleMessage(QtMsgType type, const QMessageLogContext& context, const QStr
 
 } // namespace
 
-X11Host::X11Host(char* program, LogSink sink)
-    : DesktopHost(program, std::move(sink)),
+X11Host::X11Host(char* program, const SingleInstance& place, LogSink sink)
+    : DesktopHost(program, place, std::move(sink)),
       applications(x, ApplicationNames(dataFolders(), preferredLocales()), postedKeys) {
     if (const auto* application = qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
         qtsConnection = application->connection();

@@ -23,8 +23,9 @@ struct HostConnection {
 // standard error and status 1.
 class X11Host : private HostConnection, public DesktopHost {
 public:
-    // Throws DisplayError. `program` is the name the program was started by and outlives the host.
-    X11Host(char* program, LogSink log);
+    // Throws DisplayError. `program` is the name the program was started by; it and the place outlive the
+    // host.
+    X11Host(char* program, const SingleInstance& place, LogSink log);
 
     StatusBar& statusBar() override { return bar; }
     WindowServer& windowServer() override { return windows; }

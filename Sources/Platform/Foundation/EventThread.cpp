@@ -6,7 +6,6 @@
 
 #include <cerrno>
 
-#include <poll.h>
 #include <sys/eventfd.h>
 
 namespace platform {
@@ -51,6 +50,15 @@ EventThread::Condition EventThread::until(std::function<bool()> condition, Momen
 
 EventThread::Condition EventThread::until(std::function<bool()> condition, Duration limit) {
     return until(std::move(condition), std::chrono::steady_clock::now() + limit);
+}
+
+EventThread::Condition EventThread::ready(int descriptor, short event, Moment deadline) {
+    const pollfd awaited{descriptor, event, 0};
+    auto isReady = [awaited] {
+        auto asked = awaited;
+        return poll(&asked, 1, 0) > 0;
+    };
+    return {*this, std::move(isReady), deadline, awaited};
 }
 
 void EventThread::run() {
@@ -107,8 +115,12 @@ void EventThread::rest() {
         if (!queue.empty())
             next = queue.begin()->first;
     }
-    for (const auto* wait : waiting)
+    // A broken connection would always be readable.
+    std::vector<pollfd> sources{{wakeup.number(), POLLIN, 0}, {over ? -1 : source->descriptor(), POLLIN, 0}};
+    for (const auto* wait : waiting) {
         next = next ? std::min(*next, wait->deadline) : wait->deadline;
+        sources.push_back(wait->source);
+    }
 
     timespec timeout{};
     if (next) {
@@ -116,9 +128,7 @@ void EventThread::rest() {
         timeout.tv_sec = static_cast<time_t>(left / std::chrono::seconds(1));
         timeout.tv_nsec = static_cast<long>((left % std::chrono::seconds(1)).count());
     }
-    // A broken connection would always be readable.
-    pollfd sources[] = {{wakeup.number(), POLLIN, 0}, {over ? -1 : source->descriptor(), POLLIN, 0}};
-    ppoll(sources, 2, next ? &timeout : nullptr, nullptr);
+    ppoll(sources.data(), sources.size(), next ? &timeout : nullptr, nullptr);
     std::uint64_t count = 0;
     [[maybe_unused]] auto taken = read(wakeup.number(), &count, sizeof count);
 }

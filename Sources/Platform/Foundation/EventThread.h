@@ -10,6 +10,8 @@
 #include <thread>
 #include <vector>
 
+#include <poll.h>
+
 namespace platform {
 
 using Moment = std::chrono::steady_clock::time_point;
@@ -57,6 +59,9 @@ public:
     // Gives whether the condition holds.
     Condition until(std::function<bool()> condition, Moment deadline);
     Condition until(std::function<bool()> condition, Duration limit);
+    // The same, until something can be done with another descriptor: `event` is POLLIN or POLLOUT. It stays
+    // open meanwhile.
+    Condition ready(int descriptor, short event, Moment deadline);
 
 private:
     void run();
@@ -78,8 +83,8 @@ private:
 
 class EventThread::Condition {
 public:
-    Condition(EventThread& owner, std::function<bool()> test, Moment latest)
-        : thread(owner), condition(std::move(test)), deadline(latest) {}
+    Condition(EventThread& owner, std::function<bool()> test, Moment latest, pollfd awaited = {-1, 0, 0})
+        : thread(owner), condition(std::move(test)), deadline(latest), source(awaited) {}
 
     bool await_ready() const { return isOver(); }
     void await_suspend(std::coroutine_handle<> self) {
@@ -95,6 +100,7 @@ private:
     EventThread& thread;
     std::function<bool()> condition;
     Moment deadline;
+    pollfd source;
     std::coroutine_handle<> task;
 };
 

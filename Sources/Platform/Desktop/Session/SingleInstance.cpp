@@ -2,15 +2,36 @@
 
 #include "Platform/Foundation/FileManager.h"
 
+#include <array>
 #include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
 #include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace platform::desktop {
-
 namespace {
 
-// A lock of a kind that the kernel knows the owner of.
+using namespace std::chrono_literals;
+
+constexpr const char* lockName = "running.lock";
+constexpr const char* socketName = "running.socket";
+
+// A copy that has taken the place a moment ago does not listen yet.
+constexpr auto patience = 500ms;
+constexpr auto tryAgainAfter = 5ms;
+
+files::Descriptor opened(const std::filesystem::path& folder) {
+    files::createPrivateDirectory(folder);
+    return files::Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+}
+
 struct flock lockOfWholeFile() {
     struct flock lock {};
     lock.l_type = F_WRLCK;
@@ -18,25 +39,80 @@ struct flock lockOfWholeFile() {
     return lock;
 }
 
+sockaddr_un addressIn(const files::Descriptor& folder) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::snprintf(address.sun_path, sizeof address.sun_path, "/proc/self/fd/%d/%s", folder.number(),
+                  socketName);
+    return address;
+}
+
+const sockaddr* generic(const sockaddr_un& address) {
+    return reinterpret_cast<const sockaddr*>(&address);
+}
+
+files::Descriptor datagramSocket() {
+    return files::Descriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+}
+
+// The 22nd value of the line, behind the program's name, which may have anything in it.
+std::uint64_t startOfThisProcess() {
+    std::ifstream file("/proc/self/stat");
+    std::string line;
+    std::getline(file, line);
+    std::istringstream values(line.substr(line.rfind(')') + 1));
+    std::string skipped;
+    for (int value = 3; value < 22; ++value)
+        values >> skipped;
+    std::uint64_t ticks = 0;
+    values >> ticks;
+    return ticks;
+}
+
 } // namespace
 
-SingleInstance::SingleInstance(const std::filesystem::path& folder) {
-    files::createPrivateDirectory(folder);
-    file = open((folder / "running.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    auto lock = lockOfWholeFile();
-    taken = file >= 0 && fcntl(file, F_SETLK, &lock) != 0 && (errno == EAGAIN || errno == EACCES);
+SingleInstance::SingleInstance(const std::filesystem::path& place)
+    : folder(opened(place)),
+      lock(openat(folder.number(), lockName, O_RDWR | O_CREAT | O_CLOEXEC, 0600)),
+      socket(datagramSocket()) {
+    auto whole = lockOfWholeFile();
+    taken =
+        lock.isOpen() && fcntl(lock.number(), F_SETLK, &whole) != 0 && (errno == EAGAIN || errno == EACCES);
+    if (lock.isOpen() && !taken)
+        listen();
 }
 
-SingleInstance::~SingleInstance() {
-    if (file >= 0)
-        close(file);
+void SingleInstance::listen() {
+    unlinkat(folder.number(), socketName, 0);
+    const auto address = addressIn(folder);
+    // The folder is the user's alone, and so is what is in it.
+    if (bind(socket.number(), generic(address), sizeof address) != 0)
+        socket.close();
 }
 
-bool SingleInstance::callOwner() const {
-    auto lock = lockOfWholeFile();
-    // An owner on another machine has no number here that is one of a process.
-    return fcntl(file, F_GETLK, &lock) == 0 && lock.l_type == F_WRLCK && lock.l_pid > 0
-           && kill(lock.l_pid, call) == 0;
+bool SingleInstance::send(std::string_view command) const {
+    const auto address = addressIn(folder);
+    std::ostringstream words;
+    words << command << ' ' << startOfThisProcess() << ' ' << getpid();
+    const auto message = words.str();
+    const auto latest = std::chrono::steady_clock::now() + patience;
+    while (sendto(socket.number(), message.data(), message.size(), 0, generic(address), sizeof address) < 0) {
+        if (std::chrono::steady_clock::now() >= latest)
+            return false;
+        std::this_thread::sleep_for(tryAgainAfter);
+    }
+    return true;
+}
+
+std::optional<Call> SingleInstance::receive() const {
+    std::array<char, 256> buffer;
+    const auto size = recv(socket.number(), buffer.data(), buffer.size(), 0);
+    if (size <= 0)
+        return std::nullopt;
+    std::istringstream words(std::string(buffer.data(), static_cast<std::size_t>(size)));
+    Call call;
+    words >> call.command >> call.started >> call.process;
+    return call;
 }
 
 } // namespace platform::desktop

@@ -1,31 +1,51 @@
 #pragma once
 
-#include <csignal>
+#include "Platform/Foundation/Descriptor.h"
+
+#include <cstdint>
 #include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace platform::desktop {
 
-// Holds the place of the user's one running copy of the program, until it ends in whatever way.
+// What another start of the program asks of the running copy: a word of its command line, or "open".
+struct Call {
+    std::string command;
+    // Of the calling process: when it was started, in ticks of the kernel's clock, and its number.
+    std::uint64_t started = 0;
+    std::int64_t process = 0;
+};
+
+// Holds the place of the user's one running copy of the program, until it ends in whatever way, and what
+// other starts send there.
 class SingleInstance {
 public:
-    // The signal of a call. Who does not heed it is not harmed.
-    static constexpr int call = SIGURG;
-
-    // The place is a file in `folder`, which is created.
+    // The place is in `folder`, which is created.
     explicit SingleInstance(const std::filesystem::path& folder);
-    ~SingleInstance();
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
 
     // Whether another copy has the place. Where no file can be made, nobody knows of another.
     bool isTaken() const { return taken; }
 
-    // Tells the copy that has the place that this one was started. False where it cannot be told.
-    bool callOwner() const;
+    // Tells the copy that has the place. False where it cannot be told.
+    bool send(std::string_view command) const;
+
+    // Readable once another start has called; nothing is there before.
+    int descriptor() const { return socket.number(); }
+    // The next call that has come.
+    std::optional<Call> receive() const;
 
 private:
-    int file;
-    bool taken;
+    void listen();
+
+    // Its name may be longer than a socket's address can be.
+    const files::Descriptor folder;
+    const files::Descriptor lock;
+    files::Descriptor socket;
+    bool taken = false;
 };
 
 } // namespace platform::desktop

@@ -86,6 +86,15 @@ std::optional<KeyCode> KeyMap::keyFor(int virtualKey, std::uint32_t group) const
     return keyTyping(known->symbol, std::nullopt);
 }
 
+std::optional<std::uint32_t> KeyMap::groupTyping(int virtualKey) const {
+    const auto* known = std::ranges::find(virtualKeys, virtualKey, &VirtualKey::code);
+    for (std::uint32_t group = 0; known != virtualKeys.end() && group < xkb_keymap_num_layouts(map.get());
+         ++group)
+        if (keyTyping(known->symbol, group))
+            return group;
+    return std::nullopt;
+}
+
 bool KeyMap::types(KeyCode code, std::uint32_t symbol) const {
     return plainSymbol(map.get(), code, 0) == symbol;
 }

@@ -25,6 +25,9 @@ public:
     // look there too.
     std::optional<KeyCode> keyFor(int virtualKey, std::uint32_t group) const;
 
+    // The first group in which a key types the layer's virtual key.
+    std::optional<std::uint32_t> groupTyping(int virtualKey) const;
+
     // Whether the key types the symbol in its first group.
     bool types(KeyCode code, std::uint32_t symbol) const;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/X11/Clipboard/SelectionContent.h"
+#include "Platform/Desktop/Clipboard/SelectionContent.h"
 #include "Platform/Desktop/X11/Server/XConnection.h"
 
 #include <chrono>

@@ -1,15 +1,12 @@
 #include "Platform/Desktop/X11/Clipboard/DesktopPasteboard.h"
 
+#include "Platform/Desktop/Clipboard/InPassing.h"
 #include "Platform/Input/PasteboardError.h"
 
 namespace platform::desktop {
 namespace {
 
 using namespace std::chrono_literals;
-
-// What is on the clipboard in passing asks clipboard managers to stay out of their histories, and by being
-// there at all keeps those that never leave a clipboard empty from filling it in the midst of a gesture.
-const SelectionForm inPassing{"x-kde-passwordManagerHint", "x-kde-passwordManagerHint", 8, "secret"};
 
 // A clipboard is cleared for a key that is posted at once, or for good.
 constexpr auto keyDelay = 100ms;

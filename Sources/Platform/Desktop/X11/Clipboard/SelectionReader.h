@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Desktop/X11/Clipboard/SelectionContent.h"
+#include "Platform/Desktop/Clipboard/SelectionContent.h"
 #include "Platform/Desktop/X11/Clipboard/SelectionWatch.h"
 #include "Platform/Foundation/LogSink.h"
 

@@ -15,14 +15,6 @@ using namespace std::chrono_literals;
 constexpr auto activationLimit = 1s;
 constexpr auto lookAgainAfter = 5ms;
 
-ClipboardEffect effectOf(const KeyEvent& event) {
-    if (event.flags != flag::command)
-        return ClipboardEffect::none;
-    if (event.keyCode == key::c)
-        return ClipboardEffect::copy;
-    return event.keyCode == key::v ? ClipboardEffect::paste : ClipboardEffect::none;
-}
-
 } // namespace
 
 Task<void> KeyPoster::type(KeyEvent event, std::shared_ptr<const KeyMap> map, std::uint32_t group) {
@@ -71,36 +63,13 @@ std::vector<std::string> KeyPoster::namesOf(xcb_window_t window, const WindowCla
     return names;
 }
 
-std::optional<KeyPoster::Chord> KeyPoster::chordFor(const KeyEvent& event, const KeyMap& map,
-                                                    std::uint32_t group) const {
-    auto code = map.keyFor(event.keyCode, group);
-    if (!code)
-        return std::nullopt;
-    if ((event.flags & flag::command) == 0) {
-        // An input method would move in the letters it has; all would stay selected, and go when they end.
-        if (event.keyCode == key::rightArrow && map.endKey() && map.controlKey() && isComposing(x))
-            return Chord{*map.endKey(), {*map.controlKey()}};
-        return Chord{*code, {}};
-    }
-    if (!map.controlKey())
-        return std::nullopt;
-    return Chord{*code, {*map.controlKey()}};
-}
-
-std::optional<KeyPoster::Chord> KeyPoster::chordInTerminal(TerminalKeys keys, const KeyEvent& event,
-                                                           const KeyMap& map, std::uint32_t group) const {
-    auto effect = effectOf(event);
-    if (effect == ClipboardEffect::none || keys == TerminalKeys::none || !map.controlKey() || !map.shiftKey())
-        return std::nullopt;
-    std::vector<KeyCode> control{*map.controlKey()};
-    std::vector<KeyCode> controlShift{*map.controlKey(), *map.shiftKey()};
-    if (keys == TerminalKeys::insert) {
-        if (!map.insertKey())
-            return std::nullopt;
-        return Chord{*map.insertKey(), effect == ClipboardEffect::copy ? control : controlShift};
-    }
-    auto code = map.keyFor(event.keyCode, group);
-    return code ? std::optional(Chord{*code, controlShift}) : std::nullopt;
+// An input method would move in the letters it has; all would stay selected, and go when they end.
+std::optional<Chord> KeyPoster::chordFor(const KeyEvent& event, const KeyMap& map,
+                                         std::uint32_t group) const {
+    if (event.flags == 0 && event.keyCode == key::rightArrow && map.endKey() && map.controlKey()
+        && isComposing(x))
+        return Chord{*map.endKey(), {*map.controlKey()}};
+    return desktop::chordFor(event, map, group);
 }
 
 } // namespace platform::desktop

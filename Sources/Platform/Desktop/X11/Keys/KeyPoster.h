@@ -1,11 +1,9 @@
 #pragma once
 
-#include "Platform/Desktop/Typing/PostedKeys.h"
-#include "Platform/Desktop/Typing/TerminalKeys.h"
+#include "Platform/Desktop/Typing/Chords.h"
 #include "Platform/Desktop/X11/Keys/KeyInjector.h"
 #include "Platform/Desktop/X11/Server/WindowClass.h"
 #include "Platform/Foundation/Task.h"
-#include "Platform/Input/KeyEvent.h"
 
 namespace platform::desktop {
 
@@ -21,11 +19,6 @@ public:
     Task<void> type(KeyEvent event, std::shared_ptr<const KeyMap> map, std::uint32_t group);
 
 private:
-    struct Chord {
-        KeyCode key;
-        std::vector<KeyCode> modifiers;
-    };
-
     // What is known of the window that had the keyboard last. Its number alone may be another one's by now.
     struct LastWindow {
         xcb_window_t window;
@@ -37,8 +30,6 @@ private:
     std::optional<TerminalKeys> terminalKeysOf(xcb_window_t window);
     std::vector<std::string> namesOf(xcb_window_t window, const WindowClass& windowClass) const;
     std::optional<Chord> chordFor(const KeyEvent& event, const KeyMap& map, std::uint32_t group) const;
-    std::optional<Chord> chordInTerminal(TerminalKeys keys, const KeyEvent& event, const KeyMap& map,
-                                         std::uint32_t group) const;
 
     const XConnection& x;
     KeyInjector& injector;

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/X11/Clipboard/SelectionContent.h"
+#include "Platform/Desktop/Clipboard/SelectionContent.h"
 
 #include "Platform/Foundation/Text.h"
 

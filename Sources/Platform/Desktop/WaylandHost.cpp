@@ -1,0 +1,44 @@
+#include "Platform/Desktop/WaylandHost.h"
+
+#include "Platform/Desktop/Session/SessionFacts.h"
+
+#include <QWindow>
+
+namespace platform::desktop {
+
+bool WaylandHost::isPossible() {
+    try {
+        const WaylandConnection wayland;
+        return VirtualKeyboard::isOffered(wayland) && DataControl::isOffered(wayland)
+               && LayerShell::isOffered(wayland);
+    } catch (const WaylandError&) {
+        return false;
+    }
+}
+
+WaylandHost::WaylandHost(char* program, const SingleInstance& place, LogSink sink)
+    : DesktopHost(program, place, std::move(sink)),
+      display([this]() -> std::optional<std::uint32_t> {
+          const auto front = toplevels.front();
+          return front ? front->output : std::nullopt;
+      }),
+      applications(toplevels, ApplicationNames(dataFolders(), preferredLocales()), postedKeys) {
+    keyThread.start();
+    display.onClick = [this] { held.abandon(); };
+}
+
+void WaylandHost::bringForward(QWindow& window) {
+    window.raise();
+    window.requestActivate();
+}
+
+bool WaylandHost::performCall(const Call& call) {
+    return commands.perform(call.command, {call.started, call.process});
+}
+
+void WaylandHost::leaveSession() {
+    pasteboard.reset();
+    keyThread.stop();
+}
+
+} // namespace platform::desktop
