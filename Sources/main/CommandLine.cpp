@@ -1,4 +1,4 @@
-#include "main/CommandLine.h"
+#include "CommandLine.h"
 
 #include <algorithm>
 #include <array>

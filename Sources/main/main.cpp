@@ -1,20 +1,23 @@
-#include "Core/Logger.h"
-#include "Platform/Desktop/Session/SessionFacts.h"
-#include "Platform/Desktop/Session/SingleInstance.h"
-#include "Platform/Desktop/WaylandHost.h"
-#include "Platform/Desktop/X11Host.h"
-#include "main/CommandLine.h"
-#include "main/Launch.h"
+#include "CommandLine.h"
+#include "DesktopLibrary.h"
+#include "Platform/Desktop/Instance/ProgramFiles.h"
+#include "Platform/Desktop/Instance/SingleInstance.h"
+#include "Platform/Foundation/Bundle.h"
 
 #include <csignal>
 #include <cstdio>
 
+#include <dlfcn.h>
+
+// The commands, which a desktop runs for its keys, wait for nothing that they don't need: all else is in a
+// library that is loaded here.
 namespace {
 
+using namespace platform::desktop;
 using lumarin::CommandLine;
-using platform::desktop::SingleInstance;
 
-int tellRunningCopy(const SingleInstance& place, const std::string& command) {
+int tellRunningCopy(const std::string& command) {
+    const SingleInstance place(configurationFolder());
     if (place.isTaken() && place.send(command))
         return 0;
     std::fputs(place.isTaken() ? "Lumarin is running and cannot be reached.\n" : "Lumarin is not running.\n",
@@ -30,35 +33,24 @@ int openRunningCopy(const SingleInstance& place) {
     return isTold ? 0 : 1;
 }
 
-[[noreturn]] void runIn(platform::desktop::DesktopHost& host) {
-    platform::Host::setCurrent(&host);
-    lumarin::beginLog();
-    lumarin::runApp();
-    host.exit();
-}
-
 int run(char* program) {
-    using namespace platform::desktop;
-    const SingleInstance place(sessionDirectories().configuration);
+    const SingleInstance place(configurationFolder());
     if (place.isTaken())
         return openRunningCopy(place);
-    try {
-        if (WaylandHost::isPossible()) {
-            WaylandHost host(program, place, lumarin::LumLog::log);
-            runIn(host);
-        }
-        X11Host host(program, place, lumarin::LumLog::log);
-        runIn(host);
-    } catch (const std::runtime_error& error) {
-        std::fprintf(stderr, "%s\n", error.what());
+    auto* const library = loadLibrary(lumarin::desktopLibraryFile);
+    auto* const start = library ? dlsym(library, lumarin::runnerName) : nullptr;
+    if (!start) {
+        const char* const reason = dlerror();
+        std::fprintf(stderr, "Lumarin is not installed completely: %s cannot be loaded. %s\n",
+                     lumarin::desktopLibraryFile, reason ? reason : "");
         return 1;
     }
+    return reinterpret_cast<lumarin::Runner*>(start)(program, place);
 }
 
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    using namespace platform::desktop;
     // Whoever reads our output may go away.
     std::signal(SIGPIPE, SIG_IGN);
     const CommandLine line({arguments, static_cast<std::size_t>(argumentCount)});
@@ -66,15 +58,15 @@ int main(int argumentCount, char** arguments) {
     case CommandLine::Purpose::run:
         return run(arguments[0]);
     case CommandLine::Purpose::tellRunningCopy:
-        return tellRunningCopy(SingleInstance(sessionDirectories().configuration), line.command);
+        return tellRunningCopy(line.command);
     case CommandLine::Purpose::help:
         std::fputs(CommandLine::usage.data(), stdout);
         return 0;
-    case CommandLine::Purpose::version: {
-        const platform::Bundle bundle(sessionDirectories().resources, {});
-        std::printf("Lumarin %s\n", bundle.info("CFBundleShortVersionString").value_or("").c_str());
+    case CommandLine::Purpose::version:
+        std::printf(
+            "Lumarin %s\n",
+            platform::Bundle(resourcesFolder(), {}).info("CFBundleShortVersionString").value_or("").c_str());
         return 0;
-    }
     case CommandLine::Purpose::misunderstood:
         std::fputs(CommandLine::usage.data(), stderr);
         return 2;

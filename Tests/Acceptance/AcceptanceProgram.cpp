@@ -9,7 +9,7 @@ namespace tests {
 std::string installProgram(const TemporaryFolder& folder, const ServiceDouble& service) {
     const auto program = folder / "installed";
     std::filesystem::create_directories(program);
-    for (const std::filesystem::path file : {LUMARIN_PROGRAM, LUMARIN_NETWORK})
+    for (const std::filesystem::path file : {LUMARIN_PROGRAM, LUMARIN_LIBRARY, LUMARIN_NETWORK})
         std::filesystem::copy_file(file, program / file.filename());
     std::filesystem::copy(LUMARIN_RESOURCES, program / "Resources", std::filesystem::copy_options::recursive);
     auto info = nlohmann::json::parse(bytesOf(program / "Resources" / "Info.json"));

@@ -4,7 +4,7 @@
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Desktop/Session/DesktopLoginItem.h"
 #include "Platform/Desktop/Session/SignalWatch.h"
-#include "Platform/Desktop/Session/SingleInstance.h"
+#include "Platform/Desktop/Instance/SingleInstance.h"
 #include "Platform/Desktop/Windows/DesktopAlerts.h"
 #include "Platform/Foundation/LogSink.h"
 #include "Platform/Foundation/ThreadRunLoop.h"

@@ -1,5 +1,6 @@
 #include "Platform/Desktop/Session/LoadedHTTPSession.h"
 
+#include "Platform/Desktop/Instance/ProgramFiles.h"
 #include "Platform/Network/NetworkLibrary.h"
 
 #include <dlfcn.h>
@@ -8,18 +9,8 @@ namespace platform::desktop {
 
 namespace {
 
-void* load() {
-    std::error_code error;
-    const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-    for (const auto& place : {folder, folder.parent_path() / "lib/lumarin/plugins"})
-        if (auto* const loaded = dlopen((place / networkLibraryFile).c_str(), RTLD_NOW | RTLD_LOCAL))
-            return loaded;
-    return nullptr;
-}
-
-// It stays: threads of it may be running.
 void* library() {
-    static void* const loaded = load();
+    static void* const loaded = loadLibrary(networkLibraryFile);
     return loaded;
 }
 

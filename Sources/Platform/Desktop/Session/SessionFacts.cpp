@@ -1,5 +1,7 @@
 #include "Platform/Desktop/Session/SessionFacts.h"
 
+#include "Platform/Desktop/Instance/ProgramFiles.h"
+
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -82,18 +84,6 @@ std::filesystem::path location(QStandardPaths::StandardLocation kind) {
     return QStandardPaths::writableLocation(kind).toStdString();
 }
 
-std::filesystem::path resourcesOf(const std::filesystem::path& executable) {
-    auto folder = executable.parent_path();
-    const std::array candidates{folder.parent_path() / "Resources",
-                                folder.parent_path() / "share/lumarin/Resources", folder / "Resources"};
-    for (const auto& candidate : candidates) {
-        std::error_code error;
-        if (std::filesystem::is_directory(candidate, error))
-            return candidate;
-    }
-    return candidates.front();
-}
-
 } // namespace
 
 std::vector<std::string> preferredLocales() {
@@ -133,11 +123,10 @@ Directories sessionDirectories() {
     result.applicationSupport = location(QStandardPaths::GenericDataLocation);
     if (auto desktop = location(QStandardPaths::DesktopLocation); !desktop.empty())
         result.desktop = desktop;
-    result.configuration = location(QStandardPaths::GenericConfigLocation) / "Lumarin";
+    result.configuration = configurationFolder();
     result.downloads = location(QStandardPaths::DownloadLocation);
-    std::error_code error;
-    result.executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    result.resources = resourcesOf(result.executable);
+    result.executable = executableFile();
+    result.resources = resourcesFolder();
     return result;
 }
 

@@ -1,4 +1,4 @@
-#include "Platform/Desktop/Session/SingleInstance.h"
+#include "Platform/Desktop/Instance/SingleInstance.h"
 
 #include "Platform/Foundation/FileManager.h"
 
