@@ -3,6 +3,7 @@
 #include "Core/ReceivedText.h"
 #include "Core/ServiceAddress.h"
 #include "Core/TranslationError.h"
+#include "Platform/Foundation/Json.h"
 #include "Platform/Foundation/Text.h"
 #include "Platform/Host.h"
 
@@ -44,6 +45,8 @@ platform::Task<std::string> FreeTranslator::translate(std::string text, TargetLa
             platform::text::isValid(bytes) ? platform::text::withoutControls(bytes) : "Unknown error";
         throw TranslationError::apiError(platform::text::prefix(message, 100));
     }
+    if (platform::isTooDeep(bytes))
+        throw platform::HTTPError("The server’s response could not be read.");
     // The library takes a zero byte for the end of the text, but refuses any other control character.
     std::ranges::replace(bytes, '\0', '\x01');
     auto result = nlohmann::json::parse(bytes);

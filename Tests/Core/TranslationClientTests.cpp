@@ -52,6 +52,7 @@ TEST_F(TranslationClients, StreamReportsTheWholeTextSoFarAndSkipsWhatIsNoContent
     using Reports = std::vector<std::string>;
     const std::string x = deltaLine("X");
     const auto choices = [](const std::string& json) { return "data: {\"choices\":" + json + "}\n"; };
+    const std::string deep = std::string(33, '[') + std::string(33, ']');
     const std::tuple<std::string, std::string, Reports> cases[] = {
         {x + deltaLine("Y") + deltaLine("Z"), "XYZ", {"X", "XY", "XYZ"}},
         {deltaLine("\n X") + deltaLine(" \u3000"), "X", {"\n X", "\n X \u3000"}},
@@ -67,6 +68,7 @@ TEST_F(TranslationClients, StreamReportsTheWholeTextSoFarAndSkipsWhatIsNoContent
         {"data: {\"choices\":[{\"delta\":{\"content\":\"\\ud83d\\ude00\"}}]}\r\ndata: [DONE]", "😀", {"😀"}},
         {"data: {\"choices\":[{\"delta\":{\"content\":\"a\xff\"}}]}\r", "a\uFFFD", {"a\uFFFD"}},
         {"data: " + std::string(200'000, '[') + "\n" + x, "X", {"X"}},
+        {choices("[{\"delta\":{\"content\":\"a\"}}],\"n\":" + deep) + x, "X", {"X"}},
         {choices("[{\"delta\":{\"content\":\"a\"}}],\"n\":1e999") + x, "X", {"X"}},
         {"data: {\"choices\":[{\"delta\":{\"content\":\"a\"}}]}\0\n"s + x, "X", {"X"}},
         {choices("[{\"delta\":{\"content\":\"a\\u0000\\u202e\"}}]") + x, "aX", {"a", "aX"}},
@@ -109,6 +111,8 @@ TEST_F(TranslationClients, ErrorsCarryTheBeginningOfTheAnswer) {
         EXPECT_THROW(finish(free.translate("hi", TargetLanguage::french)), nlohmann::json::exception)
             << unreadable;
     }
+    answer = {.pieces = {R"({"text": "hi", "n": )" + std::string(40, '[') + std::string(40, ']') + "}"}};
+    EXPECT_THROW(finish(free.translate("hi", TargetLanguage::french)), platform::HTTPError);
     answer = {.pieces = {R"({"text": "h\u0000i"})"}};
     EXPECT_EQ(translateFree(), "hi");
 }
