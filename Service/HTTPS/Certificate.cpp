@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <openssl/err.h>
 #include <openssl/pem.h>
 #include <stdexcept>
 #include <string>
@@ -23,8 +24,10 @@ using namespace std::chrono_literals;
 namespace files = platform::files;
 using WallClock = std::chrono::system_clock;
 
-// Long enough to tell those who trust it of the new one.
+// Before its end a certificate made here gets a successor beside it in its file, for those who trust it to
+// copy, and the successor takes its place when so much is left.
 constexpr std::chrono::days renewal{30};
+constexpr std::chrono::days succession{1};
 
 // Empty when there is no such file.
 std::string contents(const std::filesystem::path& path) {
@@ -38,14 +41,26 @@ Bio reading(const std::string& text) {
     return Bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
 }
 
-X509Certificate parseCertificate(const std::string& text) {
-    return X509Certificate(PEM_read_bio_X509(reading(text).get(), nullptr, nullptr, nullptr));
+// None at the end, which the library takes for an error that must not be the next operation's.
+X509Certificate nextCertificate(BIO& source) {
+    X509Certificate certificate(PEM_read_bio_X509(&source, nullptr, nullptr, nullptr));
+    ERR_clear_error();
+    return certificate;
 }
 
-PrivateKey parseKey(const std::string& text) {
+// That of the certificate; the file of one made here may hold the keys of two. None if there is none, or no
+// certificate.
+PrivateKey keyIn(const std::string& text, const X509Certificate& certificate) {
     // Keeps the library from asking for a passphrase at the terminal.
     static char none[] = "";
-    return PrivateKey(PEM_read_bio_PrivateKey(reading(text).get(), nullptr, nullptr, none));
+    const Bio source = reading(text);
+    while (EVP_PKEY* read = PEM_read_bio_PrivateKey(source.get(), nullptr, nullptr, none)) {
+        PrivateKey key(read);
+        if (certificate && X509_check_private_key(certificate.get(), key.get()) == 1)
+            return key;
+    }
+    ERR_clear_error();
+    return nullptr;
 }
 
 bool endsBefore(const X509& certificate, WallClock::time_point moment) {
@@ -58,22 +73,27 @@ struct Found {
     explicit Found(const CertificateFiles& pair)
         : certificateText(contents(pair.certificate)),
           keyText(contents(pair.key)),
-          certificate(parseCertificate(certificateText)),
-          key(parseKey(keyText)) {}
+          source(reading(certificateText)),
+          certificate(nextCertificate(*source)),
+          successor(nextCertificate(*source)),
+          key(keyIn(keyText, certificate)),
+          successorsKey(keyIn(keyText, successor)) {}
 
     bool isMissing() const { return certificateText.empty() && keyText.empty(); }
     bool isOurs() const { return certificate && isSelfSigned(*certificate); }
-    bool isPair() const {
-        return certificate && key && X509_check_private_key(certificate.get(), key.get()) == 1;
-    }
+    bool isPair() const { return key != nullptr; }
+    bool hasSuccessor() const { return successorsKey != nullptr; }
     bool lasts(WallClock::time_point now) const {
-        return !endsBefore(*certificate, isOurs() ? now + renewal : now);
+        return !endsBefore(*certificate, !isOurs() ? now : now + (hasSuccessor() ? succession : renewal));
     }
 
     const std::string certificateText;
     const std::string keyText;
+    const Bio source;
     const X509Certificate certificate;
+    const X509Certificate successor;
     const PrivateKey key;
+    const PrivateKey successorsKey;
 };
 
 // Held while a pair is made, so that copies of the service that start together agree on one.
@@ -112,6 +132,20 @@ void writePair(const CertificateFiles& pair, const std::vector<std::string>& nam
     files::writeAtomically(pair.key, fresh.key);
 }
 
+// Takes a pair made here that does not last to one that does. Its key is in its file at every moment.
+void renewPair(const CertificateFiles& pair, const std::vector<std::string>& names,
+               WallClock::time_point now) {
+    if (const Found found(pair); !found.hasSuccessor()) {
+        const auto fresh = makeSelfSigned(now, names);
+        files::writeAtomically(pair.key, found.keyText + fresh.key);
+        files::writeAtomically(pair.certificate, found.certificateText + fresh.certificate);
+    }
+    if (const Found found(pair); !found.lasts(now)) {
+        files::writeAtomically(pair.certificate, pem(*found.successor));
+        files::writeAtomically(pair.key, pem(*found.successorsKey));
+    }
+}
+
 // A key made here is made private again; others are their owners' to see to.
 void keepPrivate(const Found& found, const CertificateFiles& pair) {
     if (found.isOurs() && !exposure(pair.key).empty())
@@ -143,7 +177,10 @@ CertificateFiles ensureCertificate(const std::filesystem::path& path, const std:
         if (const Found found(pair); !isGood(found)) {
             if (!found.isMissing() && !found.isOurs())
                 refuseForeign(found, pair);
-            writePair(pair, names, now);
+            if (found.isPair() && isFor(*found.certificate, names))
+                renewPair(pair, names, now);
+            else
+                writePair(pair, names, now);
         }
     }
     keepPrivate(Found(pair), pair);
@@ -161,7 +198,12 @@ void renewCertificate(const CertificateFiles& pair, const std::vector<std::strin
         refuseForeign(found, pair);
     const FolderLock lock(pair.certificate.parent_path(), 0s);
     if (const Found again(pair); again.isPair() && again.isOurs() && !again.lasts(now))
-        writePair(pair, names, now);
+        renewPair(pair, names, now);
+}
+
+PrivateKey readKey(const CertificateFiles& pair) {
+    const std::string certificate = contents(pair.certificate);
+    return keyIn(contents(pair.key), nextCertificate(*reading(certificate)));
 }
 
 } // namespace lumarin::service

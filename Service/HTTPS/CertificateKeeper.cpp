@@ -11,10 +11,11 @@ namespace lumarin::service {
 namespace {
 
 TLSContext makeContext(const CertificateFiles& files) {
+    const PrivateKey key = readKey(files);
     TLSContext context(SSL_CTX_new(TLS_server_method()));
     if (!context || SSL_CTX_set_min_proto_version(context.get(), TLS1_2_VERSION) != 1
         || SSL_CTX_use_certificate_chain_file(context.get(), files.certificate.c_str()) != 1
-        || SSL_CTX_use_PrivateKey_file(context.get(), files.key.c_str(), SSL_FILETYPE_PEM) != 1) {
+        || SSL_CTX_use_PrivateKey(context.get(), key.get()) != 1) {
         ERR_clear_error();
         throw std::runtime_error("The certificate in " + files.certificate.string() + " cannot be used.");
     }

@@ -55,7 +55,7 @@ std::string alternativeNames(const std::vector<std::string>& names) {
 }
 
 template <typename Write>
-std::string pem(Write write) {
+std::string written(Write write) {
     const Bio bio(BIO_new(BIO_s_mem()));
     check(bio && write(bio.get()) == 1);
     char* data = nullptr;
@@ -88,10 +88,16 @@ PemPair makeSelfSigned(std::chrono::system_clock::time_point now, const std::vec
     addExtension(*certificate, NID_subject_alt_name, alternativeNames(names).c_str());
     check(X509_sign(certificate.get(), key.get(), EVP_sha256()) > 0);
 
-    return {.certificate = pem([&](BIO* bio) { return PEM_write_bio_X509(bio, certificate.get()); }),
-            .key = pem([&](BIO* bio) {
-                return PEM_write_bio_PrivateKey(bio, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
-            })};
+    return {.certificate = pem(*certificate), .key = pem(*key)};
+}
+
+std::string pem(X509& certificate) {
+    return written([&](BIO* bio) { return PEM_write_bio_X509(bio, &certificate); });
+}
+
+std::string pem(EVP_PKEY& key) {
+    return written(
+        [&](BIO* bio) { return PEM_write_bio_PrivateKey(bio, &key, nullptr, nullptr, 0, nullptr, nullptr); });
 }
 
 bool isFor(X509& certificate, const std::vector<std::string>& names) {

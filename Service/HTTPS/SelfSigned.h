@@ -16,6 +16,10 @@ struct PemPair {
 // and `names`: host names and addresses. Throws std::runtime_error.
 PemPair makeSelfSigned(std::chrono::system_clock::time_point now, const std::vector<std::string>& names);
 
+// In PEM form. Throw std::runtime_error.
+std::string pem(X509& certificate);
+std::string pem(EVP_PKEY& key);
+
 // Whether the certificate is good for all of `names`.
 bool isFor(X509& certificate, const std::vector<std::string>& names);
 

@@ -13,8 +13,8 @@ class FreeTranslator {
 public:
     FreeTranslator();
 
-    // The translation as the service gave it. Throws TranslationError, the session's errors, the JSON
-    // library's, or CancellationError.
+    // The translation as the service gave it, but for control characters. Throws TranslationError, the
+    // session's errors, the JSON library's, or CancellationError.
     platform::Task<std::string> translate(std::string text, TargetLanguage to);
 
 private:

@@ -1,6 +1,7 @@
 #include "Core/LLMTranslator.h"
 
 #include "Core/Logger.h"
+#include "Core/ReceivedText.h"
 #include "Core/ServiceAddress.h"
 #include "Core/StreamedDelta.h"
 #include "Core/TranslationError.h"
@@ -48,7 +49,7 @@ Task<TranslationError> serviceError(platform::HTTPAnswer& answer) {
     } catch (const platform::HTTPError&) {
         // The status says more than why the rest of its text has not come.
     }
-    body = platform::text::repaired(body);
+    body = platform::text::withoutControls(platform::text::repaired(body));
     std::erase_if(body, [](char character) { return character == '\r' || character == '\n'; });
     co_return TranslationError::apiError("HTTP " + std::to_string(*answer.response.status) + ": "
                                          + platform::text::prefix(body, 200));
@@ -96,7 +97,7 @@ Task<std::string> LLMTranslator::translateStream(std::string text, StylePreset s
         if (payload == "[DONE]")
             break;
         if (auto content = deltaContent(*payload)) {
-            translation += *content;
+            appendReceived(translation, *content);
             onChunk(translation);
         }
     }

@@ -1,18 +1,15 @@
 #pragma once
 
-#include <algorithm>
 #include <exception>
 #include <string>
+#include <utility>
 
 namespace lumarin {
 
 // An error of the program's own. `what` is its printed form, for the log.
 class LocalizedError : public std::exception {
 public:
-    // A zero byte, which a server's answer may hold, would end the printed form early and becomes a blank.
-    explicit LocalizedError(std::string form) : printedForm(std::move(form)) {
-        std::ranges::replace(printedForm, '\0', ' ');
-    }
+    explicit LocalizedError(std::string form) : printedForm(std::move(form)) {}
 
     const char* what() const noexcept override { return printedForm.c_str(); }
 

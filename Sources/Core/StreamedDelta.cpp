@@ -1,5 +1,7 @@
 #include "Core/StreamedDelta.h"
 
+#include "Platform/Foundation/Json.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -15,7 +17,7 @@ std::optional<std::string_view> dataPayload(std::string_view line) {
 
 std::optional<std::string> deltaContent(std::string_view payload) {
     // The library takes a zero byte for the end of the text, and would not see what follows.
-    if (payload.find('\0') != std::string_view::npos)
+    if (payload.find('\0') != std::string_view::npos || platform::isTooDeep(payload))
         return std::nullopt;
     auto event = nlohmann::json::parse(payload, nullptr, false);
     if (!event.is_object() || !event.contains("choices"))

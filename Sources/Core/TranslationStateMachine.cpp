@@ -1,5 +1,6 @@
 #include "Core/TranslationStateMachine.h"
 
+#include "Core/GrowingText.h"
 #include "Core/LocalizedError.h"
 #include "Core/Logger.h"
 #include "Data/KeychainManager.h"
@@ -126,10 +127,12 @@ Task<void> TranslationStateMachine::translate(Self self, unsigned number) {
 }
 
 LLMTranslator::ChunkHandler TranslationStateMachine::chunkHandler(unsigned number) {
-    return [weak = weak_from_this(), number](const std::string& soFar) {
-        Host::current().mainRunLoop().post([weak, number, soFar] {
+    return [weak = weak_from_this(), number, text = std::make_shared<GrowingText>()](const auto& soFar) {
+        if (!text->grow(soFar))
+            return;
+        Host::current().mainRunLoop().post([weak, number, text] {
             if (auto self = weak.lock(); self && self->isCurrent(number))
-                self->hud.update(soFar);
+                self->hud.update(text->take());
         });
     };
 }

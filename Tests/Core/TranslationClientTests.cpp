@@ -52,6 +52,7 @@ TEST_F(TranslationClients, StreamReportsTheWholeTextSoFarAndSkipsWhatIsNoContent
     using Reports = std::vector<std::string>;
     const std::string x = deltaLine("X");
     const auto choices = [](const std::string& json) { return "data: {\"choices\":" + json + "}\n"; };
+    const std::string deep = std::string(33, '[') + std::string(33, ']');
     const std::tuple<std::string, std::string, Reports> cases[] = {
         {x + deltaLine("Y") + deltaLine("Z"), "XYZ", {"X", "XY", "XYZ"}},
         {deltaLine("\n X") + deltaLine(" \u3000"), "X", {"\n X", "\n X \u3000"}},
@@ -67,9 +68,11 @@ TEST_F(TranslationClients, StreamReportsTheWholeTextSoFarAndSkipsWhatIsNoContent
         {"data: {\"choices\":[{\"delta\":{\"content\":\"\\ud83d\\ude00\"}}]}\r\ndata: [DONE]", "😀", {"😀"}},
         {"data: {\"choices\":[{\"delta\":{\"content\":\"a\xff\"}}]}\r", "a\uFFFD", {"a\uFFFD"}},
         {"data: " + std::string(200'000, '[') + "\n" + x, "X", {"X"}},
+        {choices("[{\"delta\":{\"content\":\"a\"}}],\"n\":" + deep) + x, "X", {"X"}},
         {choices("[{\"delta\":{\"content\":\"a\"}}],\"n\":1e999") + x, "X", {"X"}},
         {"data: {\"choices\":[{\"delta\":{\"content\":\"a\"}}]}\0\n"s + x, "X", {"X"}},
-        {choices("[{\"delta\":{\"content\":\"a\\u0000\"}}]") + x, "a\0X"s, {"a\0"s, "a\0X"s}},
+        {choices("[{\"delta\":{\"content\":\"a\\u0000\\u202e\"}}]") + x, "aX", {"a", "aX"}},
+        {deltaLine("\x1b"), "emptyResponse", {""}},
     };
     for (const auto& [body, result, reported] : cases) {
         EXPECT_EQ(stream(body), result) << body.substr(0, 100);
@@ -90,7 +93,7 @@ TEST_F(TranslationClients, ErrorsCarryTheBeginningOfTheAnswer) {
               "apiError(\"HTTP 500: 好" + std::string(199, 'x') + "\")")
         << "an endless line";
     answer.end = ScriptedAnswer::End::fail;
-    EXPECT_EQ(stream("over\r\nload\0\xff"s), "apiError(\"HTTP 500: overload \uFFFD\")") << "no last line end";
+    EXPECT_EQ(stream("over\r\nload\0\xff"s), "apiError(\"HTTP 500: overload\uFFFD\")") << "no last line end";
     answer.end = ScriptedAnswer::End::complete;
 
     answer.status = 403;
@@ -108,8 +111,10 @@ TEST_F(TranslationClients, ErrorsCarryTheBeginningOfTheAnswer) {
         EXPECT_THROW(finish(free.translate("hi", TargetLanguage::french)), nlohmann::json::exception)
             << unreadable;
     }
+    answer = {.pieces = {R"({"text": "hi", "n": )" + std::string(40, '[') + std::string(40, ']') + "}"}};
+    EXPECT_THROW(finish(free.translate("hi", TargetLanguage::french)), platform::HTTPError);
     answer = {.pieces = {R"({"text": "h\u0000i"})"}};
-    EXPECT_EQ(translateFree(), "h\0i"s);
+    EXPECT_EQ(translateFree(), "hi");
 }
 
 TEST_F(TranslationClients, RequestsHoldWhatTheServiceExpects) {

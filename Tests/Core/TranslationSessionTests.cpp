@@ -265,6 +265,58 @@ TEST_F(TranslationSession, ShowsAnErrorForTwoSecondsAndIgnoresThePressMeanwhile)
     EXPECT_EQ(log(), readWhole + "[SM] Error: networkError(\"Invalid response\")\n[SM] Cancel\n");
 }
 
+TEST_F(TranslationSession, PastesTextAndNothingElseOfWhatTheServiceSends) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"\x1b[201~rm -r ~\r\n\x1b]0;t\a\x7f", "[201~rm -r ~\r\n]0;t"},
+        {"1\t2\n3\r4\v5\f6\xC2\x85" + std::string("7\0", 2), "1\t2\n3\r4\n5\n6\n7"},
+        {"a\xC2\x9B"
+         "b\xC2\x80"
+         "c",
+         "abc"},
+        {"pay \u202e05\u202c of \u202d50", "pay 05\u202c of 50"},
+        {"\u2067رقم \u2066+86 (0)\u2069\u2069 \u202aA\u202c \u200eB\u200f \u061c",
+         "\u2067رقم \u2066+86 (0)\u2069\u2069 \u202aA\u202c \u200eB\u200f \u061c"},
+        {"👨‍👩‍👧 \uFFFD\u2028🏴󠁧󠁢󠁥󠁮󠁧󠁿 क्ष",
+         "👨‍👩‍👧 \uFFFD\u2028🏴󠁧󠁢󠁥󠁮󠁧󠁿 क्ष"},
+    };
+    for (const auto& [sent, pasted] : cases)
+        for (const auto mode : {TranslationMode::ai, TranslationMode::free}) {
+            machine->currentMode = mode;
+            answer = mode == TranslationMode::ai
+                         ? streamed({sent + "."})
+                         : ScriptedAnswer{.pieces = {nlohmann::json({{"text", sent + "."}}).dump()}};
+            host.field.setText("请报价");
+            press(1s);
+            EXPECT_EQ(shown(), pasted + ".");
+            release();
+            host.advance(1s);
+            expectAtRest(pasted + ".");
+        }
+}
+
+TEST_F(TranslationSession, PastesNothingOfATranslationThatNeverEnds) {
+    const std::string much(100'000, 'x');
+    for (const auto mode : {TranslationMode::ai, TranslationMode::free}) {
+        machine->currentMode = mode;
+        answer = mode == TranslationMode::ai ? streamed(std::vector<std::string>(11, much))
+                                             : ScriptedAnswer{.pieces = {"{\"text\": \""}};
+        if (mode == TranslationMode::free)
+            answer.pieces.insert(answer.pieces.end(), 70, much);
+        answer.end = End::stall;
+        press(700ms);
+        EXPECT_EQ(shown(), "The server’s response is too long.");
+        EXPECT_EQ(host.network.openExchanges, 0);
+        release();
+        host.advance(3s);
+        expectAtRest();
+        expectLogged("[SM] Error: The server’s response is too long.\n");
+    }
+    answer = {.pieces = {"{\"text\": \"" + std::string((1U << 20U) + 1, 'x') + "\"}"}};
+    translate();
+    host.advance(1s);
+    expectAtRest();
+}
+
 TEST_F(TranslationSession, ReadsAFieldThatCopiesLateAndGivesUpOnOneThatNeverDoes) {
     host.field.ignoredCopies = 1;
     translate();

@@ -17,7 +17,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (feed.signature)
         decodeBase64(*feed.signature);
     try {
-        for (const AppcastItem& item : parseAppcast(feed.content, "zh-Hans")) {
+        const Appcast appcast = parseAppcast(feed.content, "zh-Hans");
+        require(appcast.signedAt.size() == appcast.expires.size());
+        for (const AppcastItem& item : appcast.items) {
             require(version::isValid(item.versionString));
             require(version::compare(item.versionString, item.versionString) == 0);
             require(!item.displayVersionString.empty());

@@ -250,6 +250,39 @@ TEST(CurlSession, ReportsTheHeadOfTheAnswerItself) {
     }
 }
 
+TEST(CurlSession, GivesUpAHeadWithoutAnEnd) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"HTTP/1.1 200 OK\r\n", "X-Much: " + std::string(1000, 'x') + "\r\n"},
+        {"", "HTTP/1.1 103 Early Hints\r\nLink: <" + std::string(1000, 'x') + ">\r\n\r\n"},
+    };
+    for (const auto& [begin, endless] : cases) {
+        const TestService service(Protocol::http1, [&](TLSConnection& connection) {
+            connection.readRequest();
+            connection.send(begin);
+            for (std::size_t sent = 0; sent < 100'000'000 && connection.send(endless);)
+                sent += endless.size();
+        });
+        CurlSession session({}, service.authorityFile());
+        EXPECT_EQ(fetch(session, get(service.url())).error, "The response from 127.0.0.1 is too long.");
+    }
+}
+
+TEST(CurlSession, SendsNoHeaderThatHoldsAnother) {
+    std::atomic<int> asked = 0;
+    const TestService service(Protocol::http1, answering([&](const auto&) {
+                                  ++asked;
+                                  return ok("x");
+                              }));
+    CurlSession session({}, service.authorityFile());
+    using namespace std::string_literals;
+    for (const auto& value : {"a\r\nX: b"s, "a\nX: b"s, "a\0b"s, "\x1b"s, "\x7f"s}) {
+        auto request = get(service.url());
+        request.headers.emplace_back("Authorization", value);
+        expectContains(fetch(session, request).error, "Authorization");
+    }
+    EXPECT_EQ(asked, 0);
+}
+
 TEST(CurlSession, FollowsSecureRedirectsOnly) {
     const TestService service(Protocol::http1, answering([](const TLSConnection::Request& request) {
                                   const auto path = request.head.substr(0, request.head.find(" HTTP"));

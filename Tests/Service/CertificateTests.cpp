@@ -114,10 +114,24 @@ TEST_F(CertificateTest, IsRenewedWhileTheServiceRuns) {
     EXPECT_EQ(bytesOf(key), "another's");
     EXPECT_EQ(keeper.context(), first);
     writeFile(key, own);
+    // Those who trust the certificate find the next one beside it for a month, while the old one is served.
+    const auto before = bytesOf(certificate);
     keeper.renew(soon);
+    const auto both = bytesOf(certificate);
+    EXPECT_TRUE(both.starts_with(before) && both.size() > before.size() * 3 / 2);
+    EXPECT_EQ(permissionsOf(key), 0600U);
+    keeper.renew(soon + std::chrono::days(18));
+    EXPECT_EQ(bytesOf(certificate), both);
+    const auto keys = bytesOf(key);
+    EXPECT_LT(keeper.expiry(), today + 11 * year);
+    keeper.renew(soon + std::chrono::days(20) - 1h);
+    EXPECT_EQ(before + bytesOf(certificate), both);
+    EXPECT_EQ(own + bytesOf(key), keys);
     const auto second = keeper.context();
-    EXPECT_NE(second, first);
     EXPECT_GT(keeper.expiry(), today + 19 * year);
+    // Ended between the two files.
+    writeFile(key, keys);
+    EXPECT_EQ(CertificateKeeper(certificate, {}, log).expiry(), keeper.expiry());
     // One that cannot be used changes nothing, and is complained of once.
     writeFile(key, "broken");
     writeFile(certificate, "broken");

@@ -65,13 +65,14 @@ TEST_F(Downloads, AreSavedUnderAFreeNameAndRevealed) {
 TEST_F(Downloads, LeaveNothingBehindWhenTheyGoWrong) {
     std::string forged = package;
     forged[100'000] ^= 1;
-    const std::string lost =
-        platform::text::format(text("updates.error.package"), {"The connection was lost."});
+    const auto brokenOff = [&](const std::string& why) {
+        return platform::text::format(text("updates.error.package"), {why});
+    };
     const std::tuple<std::string, ScriptedAnswer::End, std::string> cases[] = {
         {forged, ScriptedAnswer::End::complete, text("updates.error.package_signature")},
         {package.substr(1), ScriptedAnswer::End::complete, text("updates.error.package_length")},
-        {package + "x", ScriptedAnswer::End::stall, text("updates.error.package_length")},
-        {package.substr(0, 50'000), ScriptedAnswer::End::fail, lost},
+        {package + "x", ScriptedAnswer::End::stall, brokenOff("The server’s response is too long.")},
+        {package.substr(0, 50'000), ScriptedAnswer::End::fail, brokenOff("The connection was lost.")},
     };
     for (const auto& [bytes, end, expected] : cases) {
         servePackage(bytes, end);
@@ -119,6 +120,8 @@ TEST_F(Downloads, AreNamedSafely) {
     const std::pair<std::string, std::string> cases[] = {
         {"https://x/..%2F..%2Fetc%2Fpasswd", "etcpasswd"},
         {"https://x/a/", "update"},
+        {"https://x/..", "update"},
+        {"https://x/%2e%2E%5C..%2f.ssh%2Fkeys", "sshkeys"},
         {"https://x/%00%0A.bashrc", "bashrc"},
         {"https://x/%E5%A5%BD%FF.deb#f/g", "好\uFFFD.deb"},
         {"https://x/%zz%4", "%zz%4"},
@@ -161,8 +164,9 @@ TEST_F(Downloads, GoThroughRealTLS) {
                             return ok(request.head.starts_with("GET /feed") ? feed : package);
                         }));
     package.assign(5'000'000, 'q');
-    feed = feedOf("<item><sparkle:version>12</sparkle:version><enclosure url='" + service.url("/p.deb")
-                  + "' length='5000000' sparkle:edSignature='" + key.sign(package) + "'/></item>");
+    feed = key.signFeed(feedOf("<item><sparkle:version>12</sparkle:version><enclosure url='"
+                               + service.url("/p.deb") + "' length='5000000' sparkle:edSignature='"
+                               + key.sign(package) + "'/></item>"));
     configure(service.url("/feed"));
     // A bundle reads its configuration once.
     platform::headless::HeadlessHost machine{folder.path(), folder / "Resources"};

@@ -85,8 +85,7 @@ TEST_F(UpdatesTest, OffersTheHighestVersionThatCanRunHere) {
         {"<item><sparkle:version>soon</sparkle:version>" + enclosure() + "</item>" + old, "11", ""},
     };
     for (const auto& [items, version, none] : cases) {
-        host.userDefaults().remove("Lumarin.updateFeed");
-        serve(feedOf(items));
+        serve(key.signFeed(feedOf(items)));
         const auto alert = check();
         EXPECT_EQ(found, version) << items;
         if (!none.empty()) {
@@ -107,50 +106,69 @@ TEST_F(UpdatesTest, OffersTheHighestVersionThatCanRunHere) {
 TEST_F(UpdatesTest, OffersNothingFromABadFeedAndSaysWhy) {
     const std::string feed = feedOf(item("12"));
     const std::string signedFeed = key.signFeed(feed);
+    const std::string other = key.signFeed(feedOf(item("13")));
+    const auto signature = [](const std::string& of) { return of.substr(of.find("<!-- ")); };
     const auto changed = [&](std::string text, const std::string& from, const std::string& to) {
         text.replace(text.find(from), from.size(), to);
         return text;
     };
     const std::string bomb = "<!DOCTYPE rss [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;\">]>"
                              "<rss><channel><item><title>&b;</title></item>";
-    const std::pair<std::string, std::string> cases[] = {
+    std::string deep;
+    while (deep.size() < 1'500'000)
+        deep += "<a>";
+    const std::pair<std::string, std::string> unread[] = {
         {"", "malformed"},
         {"not xml", "malformed"},
         {"<html><body>Sign in to this network</body></html>", "malformed"},
+        {feed, "unsigned_feed"},
+        {feedOf(item("999999999")), "unsigned_feed"},
+        {signedFeed.substr(0, signedFeed.size() / 2), "unsigned_feed"},
+        {signedFeed.substr(0, signedFeed.size() - 5), "feed_signature"},
+        {SigningKey().signFeed(feed), "feed_signature"},
+        {feed + signature(other), "feed_signature"},
+        {signedFeed + other, "feed_signature"},
+        {changed(signedFeed, "<sparkle:version>12", "<sparkle:version>13"), "feed_signature"},
+        {changed(signedFeed, "2027-", "2099-"), "feed_signature"},
+        {changed(signedFeed, "length: ", "length: 1"), "feed_signature"},
+        {changed(signedFeed, "edSignature: ", "edSignature: *"), "feed_signature"},
+        {feed + " " + signature(signedFeed), "feed_signature"},
+        {signedFeed + "<rss/>", "feed_signature"},
+    };
+    // The publisher's own faults.
+    const std::pair<std::string, std::string> faulty[] = {
         {feed.substr(0, feed.size() / 2), "malformed"},
         {bomb, "malformed"},
         {std::string(1'500'000, '<'), "malformed"},
-        {[] {
-             std::string deep;
-             while (deep.size() < 1'500'000)
-                 deep += "<a>";
-             return deep;
-         }(),
-         "malformed"},
-        {std::string(3'000'000, ' ') + feed, "too_long"},
+        {deep, "malformed"},
+        {feedOf(item("12"), ""), "undated_feed"},
+        {feedOf(item("12"), "end=2027-02-14T00:00:00Z"), "undated_feed"},
+        {feedOf(item("12"), "start=2026-11-16T00:00:00Z; end=next year"), "undated_feed"},
         {changed(feed, "edSignature", "dsaSignature"), "unsigned_item"},
         {changed(feed, "edSignature=\"", "edSignature=\"AAAA"), "unsigned_item"},
         {changed(feed, "length=\"300000\"", ""), "length"},
         {changed(feed, "length=\"300000\"", "length=\"-5\""), "length"},
         {changed(feed, "length=\"300000\"", "length=\"99999999999\""), "length"},
         {changed(feed, "https://", "http://"), "insecure_item"},
-        {SigningKey().signFeed(feed), "feed_signature"},
-        {changed(signedFeed, "<sparkle:version>12", "<sparkle:version>13"), "feed_signature"},
-        {changed(signedFeed, "length: ", "length: 1"), "feed_signature"},
-        {changed(signedFeed, "edSignature: ", "edSignature: *"), "feed_signature"},
-        {feed + " " + signedFeed.substr(feed.size()), "feed_signature"},
-        {signedFeed + "<rss/>", "feed_signature"},
-        {signedFeed.substr(0, signedFeed.size() - 5), "feed_signature"},
     };
-    for (const auto& [bytes, fault] : cases) {
+    const auto expectRefusal = [&](const std::string& bytes, const std::string& why) {
         serve(bytes);
         const auto alert = check();
         EXPECT_EQ(alert.messageText, text("updates.error.check"));
-        EXPECT_EQ(alert.informativeText, platform::text::format(text("updates.error." + fault), {"12"}))
-            << bytes.substr(0, 200);
+        EXPECT_EQ(alert.informativeText, why) << bytes.substr(0, 200);
         EXPECT_EQ(reason, alert.informativeText);
         EXPECT_EQ(found, "");
-    }
+    };
+    const auto sentence = [&](const std::string& fault, const std::string& about) {
+        return platform::text::format(text("updates.error." + fault), {about});
+    };
+    for (const auto& [bytes, fault] : unread)
+        expectRefusal(bytes, sentence(fault, ""));
+    EXPECT_EQ(host.userDefaults().string("Lumarin.updateFeed"), std::nullopt) << "what anybody can list";
+    for (const auto& [content, fault] : faulty)
+        expectRefusal(key.signFeed(content), sentence(fault, "12"));
+    expectRefusal(std::string(3'000'000, ' ') + signedFeed,
+                  sentence("feed", "The server’s response is too long."));
     using platform::headless::ScriptedAnswer;
     auto& answer = served["https://updates.test/feed.xml"];
     for (const ScriptedAnswer& wrong : {ScriptedAnswer{.status = 404, .pieces = {feed}},
@@ -158,29 +176,43 @@ TEST_F(UpdatesTest, OffersNothingFromABadFeedAndSaysWhy) {
         answer = wrong;
         EXPECT_EQ(check().messageText, text("updates.error.check"));
     }
-    EXPECT_EQ(reason, platform::text::format(text("updates.error.feed"), {"The connection was lost."}));
+    EXPECT_EQ(reason, sentence("feed", "The connection was lost."));
+    serve(signedFeed);
+    check();
+    EXPECT_EQ(found, "12") << "Nothing of all that is remembered";
 }
 
 TEST_F(UpdatesTest, KnowsAnOldFeedFromANewOne) {
-    const std::string named = "<sparkle:shortVersionString>1.3 “Tea”</sparkle:shortVersionString>";
-    const std::string newest = feedOf(item("12") + item("13", named));
-    const std::string older = feedOf(item("12"));
-    const std::string lost = platform::text::format(text("updates.error.older_feed"), {"1.3 “Tea”"});
-    const std::pair<std::string, std::string> steps[] = {
-        {older, ""},
-        {newest, ""},
-        {older, lost},
-        {feedOf(""), lost},
-        {key.signFeed(older), lost},
-        {key.signFeed(newest), ""},
-        {newest, text("updates.error.unsigned_feed")},
-        {key.signFeed(feedOf(item("14"))), ""},
-        {key.signFeed(newest), platform::text::format(text("updates.error.older_feed"), {"14"})},
+    const auto listed = [&](const std::string& version, const std::string& from, const std::string& to) {
+        return key.signFeed(feedOf(item(version), "start=" + from + "; end=" + to));
     };
-    for (const auto& [feed, expected] : steps) {
+    const std::string first = "2026-11-14T07:00:00Z";
+    const std::string second = "2026-11-15T07:00:00Z";
+    const std::string third = "2026-11-15T07:00:01Z";
+    const std::string end = "2027-02-14T00:00:00Z";
+    const auto refused = [&](const std::string& fault, const std::string& day) {
+        return platform::text::format(text("updates.error." + fault), {day});
+    };
+    const std::tuple<std::string, std::string, std::string> steps[] = {
+        {listed("12", first, end), "12", ""},
+        {listed("13", second, end), "13", ""},
+        {listed("13", second, end), "13", ""},
+        {listed("12", first, end), "", refused("older_feed", "2026-11-14")},
+        {listed("99", first, end), "", refused("older_feed", "2026-11-14")},
+        // A version that has been withdrawn.
+        {listed("12", third, end), "12", ""},
+        // By a clock that was far ahead, and by one that is right.
+        {listed("14", "2099-01-01T00:00:00Z", "2099-04-01T00:00:00Z"), "14", ""},
+        {listed("15", "2026-11-17T00:00:00Z", end), "15", ""},
+        {listed("13", second, end), "", refused("older_feed", "2026-11-15")},
+        {listed("16", "2026-11-17T00:00:00Z", "2026-11-16T18:35:57Z"), "",
+         refused("expired_feed", "2026-11-16")},
+    };
+    for (const auto& [feed, version, expected] : steps) {
         serve(feed);
         check();
-        EXPECT_EQ(reason, expected);
+        EXPECT_EQ(found, version);
+        EXPECT_EQ(version.empty() ? reason : "", expected);
     }
 }
 

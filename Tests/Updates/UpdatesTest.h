@@ -43,10 +43,13 @@ private:
     std::array<unsigned char, crypto_sign_SECRETKEYBYTES> secret{};
 };
 
-inline std::string feedOf(const std::string& items) {
+// A feed before its signature. The test's clock says 2026-11-16T18:35:58Z.
+inline std::string feedOf(const std::string& items,
+                          const std::string& valid = "start=2026-11-16T00:00:00Z; end=2027-02-14T00:00:00Z") {
     return "<?xml version=\"1.0\"?><rss version=\"2.0\" "
            "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel>"
-           + items + "</channel></rss>";
+           "<dcterms:valid xmlns:dcterms=\"http://purl.org/dc/terms/\">"
+           + valid + "</dcterms:valid>" + items + "</channel></rss>";
 }
 
 // Version 1.0 (build 10) of a program on Linux 12, and its publisher's server.

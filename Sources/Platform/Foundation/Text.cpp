@@ -108,6 +108,13 @@ bool isWhitespace(char32_t codePoint) {
     }
 }
 
+bool isControl(char32_t codePoint) {
+    constexpr char32_t leftToRightOverride = 0x202D;
+    constexpr char32_t rightToLeftOverride = 0x202E;
+    return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == leftToRightOverride
+           || codePoint == rightToLeftOverride;
+}
+
 bool isDigit(char character) {
     return character >= '0' && character <= '9';
 }
@@ -187,6 +194,22 @@ std::string repaired(std::string_view text) {
             result.append(text, position, decoded.length);
         else
             append(result, replacement);
+        position += decoded.length;
+    }
+    return result;
+}
+
+std::string withoutControls(std::string_view text) {
+    constexpr char32_t nextLine = 0x85;
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t position = 0; position < text.size();) {
+        const Decoded decoded = decode(text, position);
+        const char32_t codePoint = decoded.codePoint;
+        if (codePoint == '\v' || codePoint == '\f' || codePoint == nextLine)
+            result += '\n';
+        else if (codePoint == '\t' || codePoint == '\n' || codePoint == '\r' || !isControl(codePoint))
+            result.append(text, position, decoded.length);
         position += decoded.length;
     }
     return result;

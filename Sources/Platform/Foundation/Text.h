@@ -29,6 +29,11 @@ bool isRightToLeft(std::string_view text);
 // The text with every broken sequence replaced by U+FFFD, one for each longest beginning of a character.
 std::string repaired(std::string_view text);
 
+// The text without control characters other than tabs and line breaks, whose rarer forms become line feeds,
+// and without the two characters that have letters shown in another order than they stand in. Those that say
+// which way a foreign word is read stay.
+std::string withoutControls(std::string_view text);
+
 // Fills "%@" (the next argument), "%2$@" (the second one) and "%%" (a per cent sign). An argument that is
 // missing is empty; other directives stay as they stand.
 std::string format(std::string_view pattern, std::initializer_list<std::string_view> arguments);

@@ -2,6 +2,8 @@
 
 #include "Platform/Network/CurlErrors.h"
 
+#include <algorithm>
+
 namespace platform {
 namespace {
 
@@ -10,6 +12,15 @@ using namespace std::chrono_literals;
 // A reader that has read what it wanted leaves just before the end of the answer arrives. So much time for
 // that saves the connection for the next request.
 constexpr auto graceForTheEnd = 20ms;
+
+// Of all heads and trailers of an answer in bytes; libcurl's own limit is not that of every version.
+constexpr std::size_t maximumHeadLength = std::size_t{256} * 1024;
+
+// A line break would begin another header, or end the head.
+void refuseControls(const std::string& name, const std::string& value) {
+    if (std::ranges::any_of(value, [](unsigned char byte) { return byte < 0x20 || byte == 0x7F; }))
+        throw HTTPError("The request’s header %@ holds a line break or another control character.", name);
+}
 
 } // namespace
 
@@ -70,8 +81,10 @@ void CurlTransfer::setRequest() {
     }
     // Without this a long body would wait for the server's leave.
     std::vector<std::string> lines{"Expect:"};
-    for (const auto& [name, value] : request.headers)
+    for (const auto& [name, value] : request.headers) {
+        refuseControls(name, value);
         lines.push_back(name + ": " + value);
+    }
     for (const std::string& line : lines) {
         curl_slist* longer = curl_slist_append(headers.get(), line.c_str());
         if (!longer)
@@ -104,6 +117,8 @@ void CurlTransfer::setConnection() {
     // From the folder of authorities only those are read that are needed, from their one file all of them.
     if (curl_version_info(CURLVERSION_NOW)->capath)
         set(CURLOPT_CAINFO, nullptr);
+    // Whatever the system's own configuration still allows.
+    set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
     if (trustedCertificates) {
@@ -127,10 +142,15 @@ void CurlTransfer::setCallbacks() {
     set(CURLOPT_DEBUGFUNCTION, &onTraffic);
 }
 
-void CurlTransfer::receiveHeaderLine(std::string_view line) {
+bool CurlTransfer::receiveHeaderLine(std::string_view line) {
+    headLength += line.size();
+    if (headLength > maximumHeadLength) {
+        abandon();
+        return false;
+    }
     const bool isEndOfHead = line == "\r\n" || line == "\n";
     if (!isEndOfHead || headIsReported) // after the head, these are the trailers
-        return;
+        return true;
     long status = 0;
     curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
     curl_header* location = nullptr;
@@ -140,6 +160,7 @@ void CurlTransfer::receiveHeaderLine(std::string_view line) {
         && *location->value != '\0';
     if (status >= 200 && !isRedirect)
         report(HTTPResponse{static_cast<int>(status)});
+    return true;
 }
 
 bool CurlTransfer::receiveBody(std::string_view piece) {
@@ -161,8 +182,8 @@ void CurlTransfer::report(HTTPResponse head) {
 }
 
 std::size_t CurlTransfer::onHeader(char* bytes, std::size_t, std::size_t length, void* self) noexcept {
-    static_cast<CurlTransfer*>(self)->receiveHeaderLine({bytes, length});
-    return length;
+    return static_cast<CurlTransfer*>(self)->receiveHeaderLine({bytes, length}) ? length
+                                                                                : CURL_WRITEFUNC_ERROR;
 }
 
 std::size_t CurlTransfer::onBody(char* bytes, std::size_t, std::size_t length, void* self) noexcept {

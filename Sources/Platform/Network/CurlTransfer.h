@@ -16,7 +16,8 @@ class CurlTransfer {
 public:
     using Moment = std::chrono::steady_clock::time_point;
 
-    // `trusted` may be null. Throws HTTPError for an address that must not be asked.
+    // `trusted` may be null. Throws HTTPError for an address that must not be asked and a header that cannot
+    // be sent.
     CurlTransfer(HTTPRequest sent, std::shared_ptr<HTTPEvents> reported, std::stop_token dropped,
                  std::shared_ptr<const TrustedCertificates> trusted);
     CurlTransfer(const CurlTransfer&) = delete;
@@ -41,7 +42,8 @@ private:
     void setRequest();
     void setConnection();
     void setCallbacks();
-    void receiveHeaderLine(std::string_view line);
+    // False where the answer is longer than it may be.
+    bool receiveHeaderLine(std::string_view line);
     bool receiveBody(std::string_view piece);
     void report(HTTPResponse head);
 
@@ -60,6 +62,7 @@ private:
     std::optional<Moment> cancelledAt;
     bool requestIsOut = false;
     bool headIsReported = false;
+    std::size_t headLength = 0;
     std::size_t received = 0;
     std::array<char, CURL_ERROR_SIZE> detail{};
     CurlList headers;

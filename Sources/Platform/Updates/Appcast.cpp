@@ -6,6 +6,7 @@
 #include "Platform/Updates/UpdateError.h"
 #include "Platform/Updates/Version.h"
 
+#include <algorithm>
 #include <charconv>
 #include <pugixml.hpp>
 
@@ -33,16 +34,23 @@ std::string_view trimmedView(std::string_view text) {
     return text.substr(begin, text.find_last_not_of(" \t\r\n") - begin + 1);
 }
 
-// The value of "name: value" in one of the lines.
-std::string_view fieldIn(std::string_view lines, std::string_view name) {
-    while (!lines.empty()) {
-        const auto line = lines.substr(0, lines.find('\n'));
-        lines.remove_prefix(std::min(lines.size(), line.size() + 1));
-        const auto trimmed = trimmedView(line);
-        if (trimmed.starts_with(name) && trimmed.substr(name.size()).starts_with(':'))
+// Of fields such as "name: value", each ended by a separator, the value of the one of that name.
+std::string_view fieldIn(std::string_view fields, char separator, std::string_view name, char mark) {
+    while (!fields.empty()) {
+        const auto field = fields.substr(0, fields.find(separator));
+        fields.remove_prefix(std::min(fields.size(), field.size() + 1));
+        const auto trimmed = trimmedView(field);
+        if (trimmed.starts_with(name) && trimmed.substr(name.size()).starts_with(mark))
             return trimmedView(trimmed.substr(name.size() + 1));
     }
     return {};
+}
+
+// Whether it is written in the one form in which moments can be compared as texts.
+bool isMoment(std::string_view text) {
+    return std::ranges::equal(text, std::string_view("0000-00-00T00:00:00Z"), [](char character, char form) {
+        return form == '0' ? character >= '0' && character <= '9' : character == form;
+    });
 }
 
 std::optional<std::size_t> number(std::string_view digits) {
@@ -172,23 +180,31 @@ SignedFeed splitSignature(std::string_view feed) {
     const auto lines = comment.substr(begin.size(), comment.find(end) - begin.size());
     // Nothing that is not signed may stand before the comment, and nothing at all behind it.
     const bool isWhole = comment.find(end) == comment.size() - end.size();
-    const bool isOfAll = number(fieldIn(lines, "length")) == at;
-    return {feed.substr(0, at), isWhole && isOfAll ? fieldIn(lines, "edSignature") : std::string_view()};
+    const bool isOfAll = number(fieldIn(lines, '\n', "length", ':')) == at;
+    return {feed.substr(0, at),
+            isWhole && isOfAll ? fieldIn(lines, '\n', "edSignature", ':') : std::string_view()};
 }
 
-std::vector<AppcastItem> parseAppcast(std::string_view content, std::string_view language) {
+Appcast parseAppcast(std::string_view content, std::string_view language) {
     pugi::xml_document document;
     const auto result = document.load_buffer(content.data(), content.size());
     const pugi::xml_node root = document.child("rss");
     const pugi::xml_node channel = root.child("channel");
     if (!result || !channel)
         throw UpdateError("updates.error.malformed");
+    Appcast appcast;
+    const std::string valid = contentOf(channel.child("dcterms:valid"));
+    const auto start = fieldIn(valid, ';', "start", '=');
+    const auto end = fieldIn(valid, ';', "end", '=');
+    if (isMoment(start) && isMoment(end)) {
+        appcast.signedAt = start;
+        appcast.expires = end;
+    }
     const ItemReader reader(root, language);
-    std::vector<AppcastItem> items;
     for (const auto& each : channel.children("item"))
         if (auto item = reader.read(each))
-            items.push_back(std::move(*item));
-    return items;
+            appcast.items.push_back(std::move(*item));
+    return appcast;
 }
 
 } // namespace platform

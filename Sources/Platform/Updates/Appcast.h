@@ -3,6 +3,7 @@
 #include "Platform/Updates/AppcastItem.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,9 +19,18 @@ struct SignedFeed {
 
 SignedFeed splitSignature(std::string_view feed);
 
-// The versions that an appcast (RSS 2.0) lists for this kind of system and for everybody, in its order. Those
-// that cannot be read as such are left out. Notes are taken in `language`, where the feed has several. Throws
-// UpdateError for what is no appcast. Any thread.
-std::vector<AppcastItem> parseAppcast(std::string_view content, std::string_view language);
+// A list of updates. Value.
+struct Appcast {
+    // When it was signed and until when it holds, as in 2026-11-16T18:35:58Z; both empty if it does not say.
+    // Of two such texts the later moment is the greater one.
+    std::string signedAt;
+    std::string expires;
+    // The versions for this kind of system and for everybody, in its order.
+    std::vector<AppcastItem> items;
+};
+
+// Reads an appcast (RSS 2.0). Items that cannot be read as such are left out. Notes are taken in `language`,
+// where the feed has several. Throws UpdateError for what is no appcast. Any thread.
+Appcast parseAppcast(std::string_view content, std::string_view language);
 
 } // namespace platform

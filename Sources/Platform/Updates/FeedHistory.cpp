@@ -1,7 +1,6 @@
 #include "Platform/Updates/FeedHistory.h"
 
 #include "Platform/Updates/UpdateError.h"
-#include "Platform/Updates/Version.h"
 
 #include <algorithm>
 
@@ -9,50 +8,26 @@ namespace platform {
 namespace {
 
 constexpr const char* defaultsKey = "Lumarin.updateFeed";
-constexpr const char* signedMark = "signed";
-constexpr const char* unsignedMark = "unsigned";
-constexpr const char* nothingListed = "none";
 
-std::string takeWord(std::string& text) {
-    const auto end = std::min(text.find(' '), text.size());
-    std::string word = text.substr(0, end);
-    text.erase(0, end + 1);
-    return word;
+// Of "2026-11-16T18:35:58Z https://updates.example/appcast.xml" the moment; empty for another feed's address,
+// which has a history of its own, and for what earlier programs wrote.
+std::string momentIn(const std::string& value, const std::string& address) {
+    const auto end = value.find(' ');
+    return end != std::string::npos && value.substr(end + 1) == address ? value.substr(0, end) : "";
 }
 
 } // namespace
 
-// The value is "signed 12 https://updates.example/appcast.xml 1.2". Earlier programs left the name out.
-FeedHistory::FeedHistory(UserDefaults& keptIn, const std::string& feedAddress)
-    : defaults(keptIn), address(feedAddress) {
-    std::string value = defaults.string(defaultsKey).value_or("");
-    const std::string mark = takeWord(value);
-    const std::string newest = takeWord(value);
-    // Another feed has a history of its own.
-    if (takeWord(value) != address)
-        return;
-    wasSigned = mark == signedMark;
-    if (version::isValid(newest))
-        newestVersion = newest;
-    newestName = value.empty() ? newest : value;
-}
-
-void FeedHistory::accept(bool isSigned, const std::vector<AppcastItem>& items) {
-    if (wasSigned && !isSigned)
-        throw UpdateError("updates.error.unsigned_feed");
-    const auto newest =
-        std::ranges::max_element(items, [](const AppcastItem& left, const AppcastItem& right) {
-            return std::is_lt(version::compare(left.versionString, right.versionString));
-        });
-    const std::string listed = newest == items.end() ? std::string() : newest->versionString;
-    if (!newestVersion.empty() && (listed.empty() || std::is_lt(version::compare(listed, newestVersion))))
-        throw UpdateError("updates.error.older_feed", newestName);
-    std::string value = isSigned ? signedMark : unsignedMark;
-    value += " " + (listed.empty() ? nothingListed : listed) + " " + address;
-    if (!listed.empty())
-        value += " " + newest->displayVersionString;
-    if (defaults.string(defaultsKey) != value)
-        defaults.set(defaultsKey, value);
+void refuseOlderFeed(UserDefaults& keptIn, const std::string& address, const std::string& signedAt,
+                     const std::string& now) {
+    const std::string value = keptIn.string(defaultsKey).value_or("");
+    const std::string seen = momentIn(value, address);
+    if (signedAt < seen)
+        throw UpdateError("updates.error.older_feed", signedAt.substr(0, signedAt.find('T')));
+    // A list from a computer whose clock is ahead must not have the ones after it refused.
+    const std::string fresh = std::max(seen, std::min(signedAt, now)) + " " + address;
+    if (fresh != value)
+        keptIn.set(defaultsKey, fresh);
 }
 
 } // namespace platform

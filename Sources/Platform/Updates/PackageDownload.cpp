@@ -53,7 +53,7 @@ Task<void> receive(AppcastItem item, std::shared_ptr<HTTPSession> session, std::
                    std::function<void(double)> onProgress) {
     HTTPRequest request;
     request.url = item.fileURL;
-    request.maximumBodyLength = maximumPackageLength;
+    request.maximumBodyLength = item.contentLength;
     auto answer = co_await session->bytes(std::move(request));
     if (answer.response.status != 200)
         throw UpdateError("updates.error.status", std::to_string(answer.response.status.value_or(0)));
@@ -62,8 +62,6 @@ Task<void> receive(AppcastItem item, std::shared_ptr<HTTPSession> session, std::
     while (auto piece = co_await answer.nextPiece()) {
         co_await checkCancellation();
         received += piece->size();
-        if (received > item.contentLength)
-            break;
         file->append(*piece);
         progress.report(received);
     }

@@ -1,5 +1,6 @@
 #include "Platform/Updates/UpdateSource.h"
 
+#include "Platform/Foundation/Dates.h"
 #include "Platform/Host.h"
 #include "Platform/Updates/Appcast.h"
 #include "Platform/Updates/FeedHistory.h"
@@ -20,16 +21,11 @@ bool isNewer(const std::string& one, const std::string& other) {
 Task<std::string> fetchFeed(std::string url, std::shared_ptr<HTTPSession> session) {
     HTTPRequest request;
     request.url = std::move(url);
+    request.maximumBodyLength = maximumFeedLength;
     auto answer = co_await session->bytes(std::move(request));
     if (answer.response.status != 200)
         throw UpdateError("updates.error.status", std::to_string(answer.response.status.value_or(0)));
-    std::string feed;
-    while (auto piece = co_await answer.nextPiece()) {
-        feed += *piece;
-        if (feed.size() > maximumFeedLength)
-            throw UpdateError("updates.error.too_long");
-    }
-    co_return feed;
+    co_return co_await answer.readAll();
 }
 
 bool canRunHere(const AppcastItem& item, const std::string& systemVersion) {
@@ -73,15 +69,25 @@ AppcastItem choose(const std::vector<AppcastItem>& items, const UpdateSource& so
     throw NoUpdate("updates.none.newest", source.displayVersion);
 }
 
+// Nothing of the feed is read before its signature is. That binds each version to its package, by the length
+// and the signature that stand beside it.
 std::vector<AppcastItem> readFeed(const std::string& bytes, const UpdateSource& source,
                                   const std::string& language) {
     const SignedFeed feed = splitSignature(bytes);
-    if (feed.signature
-        && !source.publicKey.verifies(feed.content, decodeBase64(*feed.signature).value_or("")))
+    // A network that wants people to sign in first answers with a page of its own.
+    if (!feed.signature)
+        throw UpdateError(bytes.find("<rss") == std::string::npos ? "updates.error.malformed"
+                                                                  : "updates.error.unsigned_feed");
+    if (!source.publicKey.verifies(feed.content, decodeBase64(*feed.signature).value_or("")))
         throw UpdateError("updates.error.feed_signature");
-    auto items = parseAppcast(feed.content, language);
-    FeedHistory(Host::current().userDefaults(), source.feedURL).accept(feed.signature.has_value(), items);
-    return items;
+    auto appcast = parseAppcast(feed.content, language);
+    const std::string now = iso8601(Host::current().mainRunLoop().date());
+    if (appcast.expires.empty())
+        throw UpdateError("updates.error.undated_feed");
+    if (appcast.expires < now)
+        throw UpdateError("updates.error.expired_feed", appcast.expires.substr(0, appcast.expires.find('T')));
+    refuseOlderFeed(Host::current().userDefaults(), source.feedURL, appcast.signedAt, now);
+    return std::move(appcast.items);
 }
 
 } // namespace
