@@ -17,16 +17,14 @@ using namespace platform::desktop;
 using lumarin::CommandLine;
 
 int tellRunningCopy(const std::string& command) {
-    const SingleInstance place(configurationFolder());
-    if (place.isTaken() && place.send(command))
-        return 0;
-    std::fputs(place.isTaken() ? "Lumarin is running and cannot be reached.\n" : "Lumarin is not running.\n",
-               stderr);
-    return 1;
+    const bool isTold = callRunningCopy(configurationFolder(), command);
+    if (!isTold)
+        std::fputs("Lumarin is not running, or cannot be reached.\n", stderr);
+    return isTold ? 0 : 1;
 }
 
-int openRunningCopy(const SingleInstance& place) {
-    const bool isTold = place.send("open");
+int openRunningCopy() {
+    const bool isTold = callRunningCopy(configurationFolder(), "open");
     std::fputs(isTold ? "Lumarin is already running; its menu or open window comes to the front.\n"
                       : "Lumarin is already running and cannot be told to come to the front.\n",
                stderr);
@@ -36,7 +34,7 @@ int openRunningCopy(const SingleInstance& place) {
 int run(char* program) {
     const SingleInstance place(configurationFolder());
     if (place.isTaken())
-        return openRunningCopy(place);
+        return openRunningCopy();
     auto* const library = loadLibrary(lumarin::desktopLibraryFile);
     auto* const start = library ? dlsym(library, lumarin::runnerName) : nullptr;
     if (!start) {

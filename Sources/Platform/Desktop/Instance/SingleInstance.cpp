@@ -28,8 +28,12 @@ constexpr auto patience = 500ms;
 constexpr auto tryAgainAfter = 5ms;
 
 files::Descriptor opened(const std::filesystem::path& folder) {
-    files::createPrivateDirectory(folder);
     return files::Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+}
+
+files::Descriptor madeLock(const std::filesystem::path& folder) {
+    files::createPrivateDirectory(folder);
+    return files::Descriptor(open((folder / lockName).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
 }
 
 struct flock lockOfWholeFile() {
@@ -72,36 +76,20 @@ std::uint64_t startOfThisProcess() {
 } // namespace
 
 SingleInstance::SingleInstance(const std::filesystem::path& place)
-    : folder(opened(place)),
-      lock(openat(folder.number(), lockName, O_RDWR | O_CREAT | O_CLOEXEC, 0600)),
-      socket(datagramSocket()) {
+    : lock(madeLock(place)), socket(datagramSocket()) {
     auto whole = lockOfWholeFile();
     taken =
         lock.isOpen() && fcntl(lock.number(), F_SETLK, &whole) != 0 && (errno == EAGAIN || errno == EACCES);
     if (lock.isOpen() && !taken)
-        listen();
+        listen(opened(place));
 }
 
-void SingleInstance::listen() {
+void SingleInstance::listen(const files::Descriptor& folder) {
     unlinkat(folder.number(), socketName, 0);
     const auto address = addressIn(folder);
     // The folder is the user's alone, and so is what is in it.
     if (bind(socket.number(), generic(address), sizeof address) != 0)
         socket.close();
-}
-
-bool SingleInstance::send(std::string_view command) const {
-    const auto address = addressIn(folder);
-    std::ostringstream words;
-    words << command << ' ' << startOfThisProcess() << ' ' << getpid();
-    const auto message = words.str();
-    const auto latest = std::chrono::steady_clock::now() + patience;
-    while (sendto(socket.number(), message.data(), message.size(), 0, generic(address), sizeof address) < 0) {
-        if (std::chrono::steady_clock::now() >= latest)
-            return false;
-        std::this_thread::sleep_for(tryAgainAfter);
-    }
-    return true;
 }
 
 std::optional<Call> SingleInstance::receive() const {
@@ -113,6 +101,27 @@ std::optional<Call> SingleInstance::receive() const {
     Call call;
     words >> call.command >> call.started >> call.process;
     return call;
+}
+
+bool callRunningCopy(const std::filesystem::path& place, std::string_view command) {
+    const auto folder = opened(place);
+    const auto lock = files::Descriptor(openat(folder.number(), lockName, O_RDONLY | O_CLOEXEC));
+    // Asked, not tried: a copy that is just being started would find the place taken.
+    auto whole = lockOfWholeFile();
+    if (fcntl(lock.number(), F_GETLK, &whole) != 0 || whole.l_type == F_UNLCK)
+        return false;
+    const auto socket = datagramSocket();
+    const auto address = addressIn(folder);
+    std::ostringstream words;
+    words << command << ' ' << startOfThisProcess() << ' ' << getpid();
+    const auto message = words.str();
+    const auto latest = std::chrono::steady_clock::now() + patience;
+    while (sendto(socket.number(), message.data(), message.size(), 0, generic(address), sizeof address) < 0) {
+        if (std::chrono::steady_clock::now() >= latest)
+            return false;
+        std::this_thread::sleep_for(tryAgainAfter);
+    }
+    return true;
 }
 
 } // namespace platform::desktop

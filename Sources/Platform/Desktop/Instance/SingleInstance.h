@@ -30,22 +30,20 @@ public:
     // Whether another copy has the place. Where no file can be made, nobody knows of another.
     bool isTaken() const { return taken; }
 
-    // Tells the copy that has the place. False where it cannot be told.
-    bool send(std::string_view command) const;
-
-    // Readable once another start has called; nothing is there before.
+    // Readable once another start has called.
     int descriptor() const { return socket.number(); }
     // The next call that has come.
     std::optional<Call> receive() const;
 
 private:
-    void listen();
+    void listen(const files::Descriptor& folder);
 
-    // Its name may be longer than a socket's address can be.
-    const files::Descriptor folder;
     const files::Descriptor lock;
     files::Descriptor socket;
     bool taken = false;
 };
+
+// Sends a command to the copy that has the place in `folder`. False if there is none or it cannot be reached.
+bool callRunningCopy(const std::filesystem::path& folder, std::string_view command);
 
 } // namespace platform::desktop
