@@ -122,11 +122,11 @@ void DesktopHost::perform(const std::string& command) {
 }
 
 void DesktopHost::heedCalls() {
-    while (const auto call = instance.receive()) {
-        if (call->command == "open")
+    while (const auto command = instance.receive()) {
+        if (*command == "open")
             reopen();
-        else if (!performCall(*call))
-            log("[Hotkey] Not possible in this session: Lumarin " + call->command);
+        else if (!performCall(*command))
+            log("[Hotkey] Not possible in this session: Lumarin " + *command);
     }
 }
 

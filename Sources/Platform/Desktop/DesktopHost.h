@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Platform/Desktop/Instance/SingleInstance.h"
 #include "Platform/Desktop/QtArguments.h"
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Desktop/Session/DesktopLoginItem.h"
 #include "Platform/Desktop/Session/SignalWatch.h"
-#include "Platform/Desktop/Instance/SingleInstance.h"
 #include "Platform/Desktop/Windows/DesktopAlerts.h"
 #include "Platform/Foundation/LogSink.h"
 #include "Platform/Foundation/ThreadRunLoop.h"
@@ -59,7 +59,7 @@ protected:
     virtual void prepareRest() {}
     // Does what another start of the program asked for; false if it is nothing that this kind of session
     // knows.
-    virtual bool performCall(const Call& /*call*/) { return false; }
+    virtual bool performCall(const std::string& /*command*/) { return false; }
     // Gives back what the session lent; everything of the program has stopped.
     virtual void leaveSession() = 0;
 

@@ -32,10 +32,6 @@ void WaylandHost::bringForward(QWindow& window) {
     window.requestActivate();
 }
 
-bool WaylandHost::performCall(const Call& call) {
-    return commands.perform(call.command, {call.started, call.process});
-}
-
 void WaylandHost::leaveSession() {
     pasteboard.reset();
     keyThread.stop();

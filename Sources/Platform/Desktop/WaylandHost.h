@@ -35,11 +35,11 @@ protected:
     void bringForward(QWindow& window) override;
     void prepareRest() override { applications.readNames(); }
     void leaveSession() override;
-    bool performCall(const Call& call) override;
+    bool performCall(const std::string& command) override { return commands.perform(command); }
 
 private:
     HeldKey held{*runLoop};
-    HoldCommands commands{held};
+    HoldCommands commands{held, *runLoop};
     PostedKeys postedKeys;
     CompositorThread keyThread;
     Toplevels toplevels{keyThread};

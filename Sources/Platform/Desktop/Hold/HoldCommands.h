@@ -2,34 +2,30 @@
 
 #include "Platform/Desktop/Hold/HeldKey.h"
 
-#include <compare>
-#include <cstdint>
 #include <optional>
 #include <string_view>
 
 namespace platform::desktop {
 
-// When a process was started, in the order in which the processes of one machine are.
-struct StartOrder {
-    // In ticks of the kernel's clock, which several processes may share.
-    std::uint64_t ticks = 0;
-    std::int64_t process = 0;
-
-    auto operator<=>(const StartOrder&) const = default;
-};
-
 // The commands that a desktop runs for its keys, each by a process of its own: "press", "release", "toggle"
-// and "cancel". They count in the order in which those were started, whichever comes first. Main thread.
+// and "cancel". A release may overtake the press that it belongs to. Main thread.
 class HoldCommands {
 public:
-    explicit HoldCommands(HeldKey& heldKey) : key(heldKey) {}
+    HoldCommands(HeldKey& heldKey, const RunLoop& mainRunLoop) : key(heldKey), clock(mainRunLoop) {}
 
     // False if it is none of them.
-    bool perform(std::string_view command, StartOrder started);
+    bool perform(std::string_view command);
 
 private:
+    void press();
+    void release();
+
     HeldKey& key;
-    StartOrder lastRelease;
+    const RunLoop& clock;
+    // Of a release whose press has not come.
+    std::optional<Duration> early;
+    // The key is still down for the user, and no longer here.
+    bool isAbandoned = false;
 };
 
 } // namespace platform::desktop

@@ -6,8 +6,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 #include <fcntl.h>
@@ -59,20 +57,6 @@ files::Descriptor datagramSocket() {
     return files::Descriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
 }
 
-// The 22nd value of the line, behind the program's name, which may have anything in it.
-std::uint64_t startOfThisProcess() {
-    std::ifstream file("/proc/self/stat");
-    std::string line;
-    std::getline(file, line);
-    std::istringstream values(line.substr(line.rfind(')') + 1));
-    std::string skipped;
-    for (int value = 3; value < 22; ++value)
-        values >> skipped;
-    std::uint64_t ticks = 0;
-    values >> ticks;
-    return ticks;
-}
-
 } // namespace
 
 SingleInstance::SingleInstance(const std::filesystem::path& place)
@@ -92,15 +76,11 @@ void SingleInstance::listen(const files::Descriptor& folder) {
         socket.close();
 }
 
-std::optional<Call> SingleInstance::receive() const {
-    std::array<char, 256> buffer;
+std::optional<std::string> SingleInstance::receive() const {
+    std::array<char, 64> buffer;
     const auto size = recv(socket.number(), buffer.data(), buffer.size(), 0);
-    if (size <= 0)
-        return std::nullopt;
-    std::istringstream words(std::string(buffer.data(), static_cast<std::size_t>(size)));
-    Call call;
-    words >> call.command >> call.started >> call.process;
-    return call;
+    return size >= 0 ? std::optional(std::string(buffer.data(), static_cast<std::size_t>(size)))
+                     : std::nullopt;
 }
 
 bool callRunningCopy(const std::filesystem::path& place, std::string_view command) {
@@ -112,11 +92,8 @@ bool callRunningCopy(const std::filesystem::path& place, std::string_view comman
         return false;
     const auto socket = datagramSocket();
     const auto address = addressIn(folder);
-    std::ostringstream words;
-    words << command << ' ' << startOfThisProcess() << ' ' << getpid();
-    const auto message = words.str();
     const auto latest = std::chrono::steady_clock::now() + patience;
-    while (sendto(socket.number(), message.data(), message.size(), 0, generic(address), sizeof address) < 0) {
+    while (sendto(socket.number(), command.data(), command.size(), 0, generic(address), sizeof address) < 0) {
         if (std::chrono::steady_clock::now() >= latest)
             return false;
         std::this_thread::sleep_for(tryAgainAfter);

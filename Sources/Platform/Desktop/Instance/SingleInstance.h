@@ -2,21 +2,12 @@
 
 #include "Platform/Foundation/Descriptor.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace platform::desktop {
-
-// What another start of the program asks of the running copy: a word of its command line, or "open".
-struct Call {
-    std::string command;
-    // Of the calling process: when it was started, in ticks of the kernel's clock, and its number.
-    std::uint64_t started = 0;
-    std::int64_t process = 0;
-};
 
 // Holds the place of the user's one running copy of the program, until it ends in whatever way, and what
 // other starts send there.
@@ -32,8 +23,8 @@ public:
 
     // Readable once another start has called.
     int descriptor() const { return socket.number(); }
-    // The next call that has come.
-    std::optional<Call> receive() const;
+    // The next of the commands that have come: a word of the program's command line, or "open".
+    std::optional<std::string> receive() const;
 
 private:
     void listen(const files::Descriptor& folder);
