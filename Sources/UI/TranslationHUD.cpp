@@ -25,6 +25,7 @@ constexpr double topMargin = 14;
 constexpr auto successGreen = Color::calibrated(0.38, 0.82, 0.56, 1.0);
 constexpr auto errorRose = Color::calibrated(0.96, 0.42, 0.42, 1.0);
 constexpr auto errorText = Color::calibrated(1.0, 0.78, 0.74, 0.95);
+constexpr Duration wideningTime = 180ms;
 // A fast start that settles gently.
 constexpr TimingFunction springLike(0.25, 1.0, 0.5, 1.0);
 
@@ -34,6 +35,18 @@ double textWidthOf(const std::string& text) {
 
 double widthFor(double textWidth) {
     return std::clamp(textWidth + 40, expandedMinWidth, expandedMaxWidth);
+}
+
+// From rest by the curve. Texts come faster than that: what is still on its way goes on at the speed it has,
+// so that the end of the text, which the eye follows, stays in sight.
+TimingFunction wideningTo(double width, const Layer& layer, TimingFunction fromRest) {
+    constexpr Duration moment = 10us;
+    constexpr double rest = 0.05;
+    const auto now = Host::current().mainRunLoop().now();
+    const double shown = layer.presentation(now).size.width;
+    const double growth = layer.presentation(now + moment).size.width - shown;
+    const double speed = growth / (width - shown) * static_cast<double>(wideningTime / moment);
+    return std::abs(speed) < rest ? fromRest : TimingFunction::goingOn(speed);
 }
 
 double bottomUnderBar(const Screen& screen) {
@@ -83,14 +96,15 @@ void TranslationHUD::update(const std::string& text) {
     const bool isThere = screen->frame.contains({before.midX(), before.midY()});
     const Rect frame{screen->visibleFrame.midX() - width * 0.5, isThere ? before.y : bottomUnderBar(*screen),
                      width, Pill::pillHeight};
-    // A pill on its way there is let arrive: begun anew at each of many texts, it would hardly move.
     if (frame != before) {
         AnimationContext::runAnimationGroup([&](AnimationContext& context) {
-            context.duration = 180ms;
-            context.timingFunction = TimingFunction::easeInEaseOut();
+            context.duration = wideningTime;
+            context.timingFunction =
+                wideningTo(width, *pill->visualEffect->layer(), TimingFunction::easeInEaseOut());
             pill->panel->animator().setFrame(frame);
         });
-        const Transaction transaction(180ms);
+        const Transaction transaction(wideningTime,
+                                      wideningTo(width, *pill->glowLayer, TimingFunction::defaultCurve()));
         pill->glowLayer->setFrame({0, 0, width, Pill::pillHeight});
     }
     pill->textField->setFrame(Pill::labelFrame(width));

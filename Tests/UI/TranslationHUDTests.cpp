@@ -170,6 +170,41 @@ TEST_F(TranslationHUDTest, IsAsWideAsItsTextWithinLimitsAboutTheMiddleOfTheScree
     }
 }
 
+TEST_F(TranslationHUDTest, KeepsTheEndOfAFastStreamInSight) {
+    for (const int rate : {30, 50}) {
+        hud->show("");
+        hud->update(letters(8));
+        host.advance(1s);
+        std::vector<std::pair<Duration, double>> unseen;
+        double width = 120;
+        double speed = 0;
+        const auto passTime = [&](Duration time) {
+            for (Duration passed{}; passed < time; passed += 1ms) {
+                host.advance(1ms);
+                const double now = pill().size.width;
+                EXPECT_GE(now, width) << rate << ": it goes back";
+                speed = now - width;
+                width = now;
+                // Its ends are 20 points from the text's.
+                std::erase_if(unseen, [&](auto& end) { return now >= end.second - 20; });
+                for (const auto& end : unseen)
+                    EXPECT_LE(host.clock.now() - end.first, 50ms) << rate << " at " << end.second;
+            }
+        };
+        std::size_t length = 8;
+        for (int piece = 0; length < 50; ++piece) {
+            length += std::array{2U, 1U, 4U, 3U}[static_cast<std::size_t>(piece % 4)];
+            hud->update(letters(length));
+            unseen.emplace_back(host.clock.now(), static_cast<double>(length * 10 + 40));
+            EXPECT_NEAR((pill(10us).size.width - width) * 100, speed, 0.2) << rate << ": it jerks";
+            passTime(Duration(1s) / rate);
+        }
+        passTime(180ms - Duration(1s) / rate);
+        expectWidth(static_cast<double>(length * 10 + 40), "at the end");
+        EXPECT_TRUE(unseen.empty());
+    }
+}
+
 TEST_F(TranslationHUDTest, TheCaretStandsWhereTheTextEnds) {
     hud->show("");
     for (const auto& [text, left] : {std::pair{"Price: سعر", 118.0}, {"سعر: Price", 16.5}, {"سعر", 41.5}}) {
