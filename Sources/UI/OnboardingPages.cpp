@@ -125,7 +125,7 @@ std::shared_ptr<Button> OnboardingWindow::makeSkipButton(double y) {
     auto button =
         std::make_shared<Button>(localized("onboarding.permission.skip"), [weak = weak_from_this()](Button&) {
             if (auto self = weak.lock())
-                self->skipStep();
+                self->leavePermission();
         });
     button->setBezelStyle(BezelStyle::inlined);
     button->setBordered(false);
