@@ -15,6 +15,7 @@
 #include "Platform/Kit/WindowServer.h"
 #include "Platform/LoginItem.h"
 #include "Platform/SystemFacts.h"
+#include "Platform/UserNotifications.h"
 
 #include <memory>
 #include <string>
@@ -36,6 +37,7 @@ public:
     virtual StatusBar& statusBar() = 0;
     virtual WindowServer& windowServer() = 0;
     virtual Alerts& alerts() = 0;
+    virtual UserNotifications& userNotifications() = 0;
 
     // Works on the main run loop until `endEventLoop` is called.
     virtual void runEventLoop() = 0;

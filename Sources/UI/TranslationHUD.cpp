@@ -195,6 +195,8 @@ void TranslationHUD::showError(const std::string& message) {
     pill->textField->setAlphaValue(1);
     pill->textField->setStringValue(message);
     pill->textField->setTextColor(errorText);
+    if (!pill->textField->showsWhole())
+        Host::current().userNotifications().deliver(message);
     pill->visualEffect->layer()->addAnimation(
         KeyframeAnimation{{.keyPath = "transform.translation.x", .duration = 300ms},
                           {0.0, -2.0, 2.0, -1.5, 1.5, 0.0},

@@ -288,6 +288,25 @@ TEST_F(TranslationHUDTest, ShowsAnErrorWithoutAPillInOneOfItsWidth) {
     }
 }
 
+TEST_F(TranslationHUDTest, HasTheDesktopTellWhatThePillHasNoRoomFor) {
+    struct Case {
+        std::optional<std::size_t> shown;
+        std::size_t message;
+        bool isTold;
+    };
+    for (const auto& [shown, message, isTold] :
+         {Case{{}, 3, false}, {{}, 52, false}, {{}, 53, true}, {0, 3, true}, {1, 8, false}, {30, 31, true}}) {
+        if (shown)
+            hud->show("");
+        if (shown && *shown > 0)
+            hud->update(letters(*shown));
+        host.notices.delivered.clear();
+        hud->showError(letters(message));
+        EXPECT_EQ(host.notices.delivered, std::vector<std::string>(isTold, letters(message))) << message;
+        hud->dismiss();
+    }
+}
+
 TEST_F(TranslationHUDTest, FadesAwayFromEveryLookAndLeavesNothing) {
     const auto hasText = [&] { hud->update("Please"); };
     const auto isDone = [&] { hud->showDone(); };

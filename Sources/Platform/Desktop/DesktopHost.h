@@ -3,6 +3,7 @@
 #include "Platform/Desktop/QtArguments.h"
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Desktop/Session/DesktopLoginItem.h"
+#include "Platform/Desktop/Session/DesktopNotifications.h"
 #include "Platform/Desktop/Session/SignalWatch.h"
 #include "Platform/Desktop/Session/SingleInstance.h"
 #include "Platform/Desktop/Windows/DesktopAlerts.h"
@@ -29,6 +30,7 @@ public:
 
     Application& application() override { return app; }
     Alerts& alerts() override { return alertWindows; }
+    UserNotifications& userNotifications() override { return notices; }
     void runEventLoop() override;
     void endEventLoop() override;
     void activate() override;
@@ -82,6 +84,7 @@ private:
     Application app;
     const HostTexts texts{bundle, app};
     DesktopAlerts alertWindows{[this](QWindow& window) { bringForward(window); }, texts, bundle};
+    DesktopNotifications notices{QDBusConnection::sessionBus(), bundle};
     DesktopLoginItem autostart;
     UserDefaults defaults;
     NotificationCenter notifications;
