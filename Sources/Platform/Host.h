@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Accessibility.h"
 #include "Platform/Foundation/Bundle.h"
 #include "Platform/Foundation/Directories.h"
 #include "Platform/Foundation/HTTPSession.h"
@@ -38,6 +39,7 @@ public:
     virtual WindowServer& windowServer() = 0;
     virtual Alerts& alerts() = 0;
     virtual UserNotifications& userNotifications() = 0;
+    virtual Accessibility& accessibility() = 0;
 
     // Works on the main run loop until `endEventLoop` is called.
     virtual void runEventLoop() = 0;

@@ -107,7 +107,8 @@ void OnboardingWindow::buildDone(View& page) {
     page.addSubview(centeredLabel(localized("onboarding.done.body"), Font::systemFont(12), secondary,
                                   {20, 226, 340, 18}));
     addMainButton("onboarding.done.cta", done, 36, page);
-    startConfetti(page, random);
+    if (!Host::current().accessibility().shouldReduceMotion())
+        startConfetti(page, random);
 }
 
 void OnboardingWindow::addMainButton(const std::string& titleKey, int step, double y, View& page) {

@@ -32,7 +32,7 @@ void OnboardingWindow::showStep(int step, bool animated) {
         step = currentStep = done;
     auto page = buildStep(step);
     const auto previous = containerView->subviews();
-    if (!animated || previous.empty()) {
+    if (!animated || previous.empty() || Host::current().accessibility().shouldReduceMotion()) {
         for (const auto& view : previous)
             view->removeFromSuperview();
         containerView->addSubview(std::move(page));

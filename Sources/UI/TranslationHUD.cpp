@@ -1,5 +1,6 @@
 #include "UI/TranslationHUD.h"
 
+#include "Core/LocalizationManager.h"
 #include "Platform/Foundation/Text.h"
 #include "Platform/Host.h"
 #include "Platform/Kit/AnimationContext.h"
@@ -49,6 +50,11 @@ TimingFunction wideningTo(double width, const Layer& layer, TimingFunction fromR
     return std::abs(speed) < rest ? fromRest : TimingFunction::goingOn(speed);
 }
 
+// Then it fades and changes and no more.
+bool movesLess() {
+    return Host::current().accessibility().shouldReduceMotion();
+}
+
 double bottomUnderBar(const Screen& screen) {
     return screen.visibleFrame.maxY() - Pill::pillHeight - topMargin;
 }
@@ -58,6 +64,9 @@ double bottomUnderBar(const Screen& screen) {
 void TranslationHUD::show(const std::string&) {
     dismiss();
     bringIn(collapsedWidth);
+    Host::current().accessibility().announce(localized("hud.waiting"));
+    if (movesLess())
+        return;
     startBreathing();
     startShimmer();
 }
@@ -68,13 +77,15 @@ void TranslationHUD::bringIn(double width) {
         pill->panel->setFrameOrigin({screen->visibleFrame.midX() - width * 0.5, bottomUnderBar(*screen)});
     pill->panel->orderFrontRegardless();
 
-    auto& body = *pill->visualEffect->layer();
-    body.setTransform(Transform::concat(Transform::makeScale(0.8, 0.8), Transform::makeTranslation(0, -8)));
     AnimationContext::runAnimationGroup([&](AnimationContext& context) {
         context.duration = 350ms;
         context.timingFunction = springLike;
         pill->panel->animator().setAlphaValue(1);
     });
+    if (movesLess())
+        return;
+    auto& body = *pill->visualEffect->layer();
+    body.setTransform(Transform::concat(Transform::makeScale(0.8, 0.8), Transform::makeTranslation(0, -8)));
     const Transaction transaction(350ms, springLike);
     body.setTransform(Transform::identity());
 }
@@ -97,13 +108,14 @@ void TranslationHUD::update(const std::string& text) {
     const Rect frame{screen->visibleFrame.midX() - width * 0.5, isThere ? before.y : bottomUnderBar(*screen),
                      width, Pill::pillHeight};
     if (frame != before) {
+        const Duration time = movesLess() ? 0ms : wideningTime;
         AnimationContext::runAnimationGroup([&](AnimationContext& context) {
-            context.duration = wideningTime;
+            context.duration = time;
             context.timingFunction =
                 wideningTo(width, *pill->visualEffect->layer(), TimingFunction::easeInEaseOut());
             pill->panel->animator().setFrame(frame);
         });
-        const Transaction transaction(wideningTime,
+        const Transaction transaction(time,
                                       wideningTo(width, *pill->glowLayer, TimingFunction::defaultCurve()));
         pill->glowLayer->setFrame({0, 0, width, Pill::pillHeight});
     }
@@ -146,7 +158,9 @@ void TranslationHUD::showDone() {
         pill->glowLayer->setColors(Pill::glowColors(successGreen, 0.22, 0.06));
         pill->glowLayer->setOpacity(0.7F);
     }
-    sweepAndPulse();
+    if (!movesLess())
+        sweepAndPulse();
+    Host::current().accessibility().announce(pill->textField->stringValue());
     Host::current().mainRunLoop().postAfter(800ms, [weak = std::weak_ptr(pill->glowLayer)] {
         if (auto glow = weak.lock()) {
             const Transaction transaction(500ms);
@@ -197,6 +211,9 @@ void TranslationHUD::showError(const std::string& message) {
     pill->textField->setTextColor(errorText);
     if (!pill->textField->showsWhole())
         Host::current().userNotifications().deliver(message);
+    Host::current().accessibility().announce(message);
+    if (movesLess())
+        return;
     pill->visualEffect->layer()->addAnimation(
         KeyframeAnimation{{.keyPath = "transform.translation.x", .duration = 300ms},
                           {0.0, -2.0, 2.0, -1.5, 1.5, 0.0},
@@ -217,7 +234,7 @@ void TranslationHUD::dismiss() {
             pill->panel->animator().setAlphaValue(0);
         },
         [panel = pill->panel] { panel->orderOut(); });
-    {
+    if (!movesLess()) {
         const Transaction transaction(200ms, TimingFunction::easeIn());
         pill->visualEffect->layer()->setTransform(
             Transform::concat(Transform::makeScale(0.95, 0.95), Transform::makeTranslation(0, 12)));

@@ -140,6 +140,17 @@ TEST_F(Onboarding, APageThatSlidesAwayLeadsOnOnce) {
     EXPECT_EQ(title(), doneTitle);
 }
 
+TEST_F(Onboarding, ShowsItsPagesWithoutMotionWhereLessIsToMove) {
+    host.needs.reducesMotion = true;
+    EXPECT_TRUE(window().performKeyEquivalent("\r"));
+    EXPECT_EQ(title(), permissionTitle);
+    permit();
+    EXPECT_TRUE(window().performKeyEquivalent("\r"));
+    EXPECT_EQ(title(), doneTitle);
+    EXPECT_EQ(page().frame().x, 0);
+    EXPECT_FALSE(window().nextChange(host.clock.now())) << "no confetti";
+}
+
 TEST_F(Onboarding, ClosedItCallsNothingAndOnlyWaitsOn) {
     for (int step = 0; step < 3; ++step) {
         SCOPED_TRACE(step);

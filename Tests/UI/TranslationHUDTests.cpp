@@ -335,6 +335,47 @@ TEST_F(TranslationHUDTest, FadesAwayFromEveryLookAndLeavesNothing) {
     EXPECT_TRUE(host.windows.shown.empty());
 }
 
+TEST_F(TranslationHUDTest, OnlyFadesAndChangesWhereLessIsToMove) {
+    host.needs.reducesMotion = true;
+    hud->show("");
+    const auto stands = [&] {
+        for (const Duration after : {0ms, 50ms, 100ms, 250ms}) {
+            expectTransform(body(after), 1, 0);
+            EXPECT_EQ(body(after).transform.translation.x, 0);
+            EXPECT_EQ(shimmer(after).position.x, 0);
+            EXPECT_EQ(body(after).sublayers.size(), 4U);
+        }
+    };
+    stands();
+    EXPECT_NEAR(pill(175ms).opacity, springAtHalf, fine);
+    EXPECT_EQ(timeToRest(), 0ms) << "it does not breathe";
+    host.advance(1s);
+    EXPECT_FALSE(isMoving());
+    hud->update(letters(30));
+    expectWidth(340, "at once");
+    EXPECT_NEAR(label(125ms).opacity, springAtHalf, fine);
+    host.advance(1s);
+    hud->showDone();
+    stands();
+    hud->showError("No");
+    stands();
+    hud->dismiss();
+    stands();
+    EXPECT_NEAR(pill(100ms).opacity, 1 - easeInAtHalf, fine);
+    EXPECT_EQ(timeToRest(), 800ms);
+}
+
+TEST_F(TranslationHUDTest, IsAnnouncedToThoseWhoCannotSeeIt) {
+    hud->show("请报价");
+    for (const char* text : {"Please", "Please quote"})
+        hud->update(text);
+    hud->showDone();
+    hud->dismiss();
+    hud->showError("No text found here.");
+    EXPECT_EQ(host.needs.announced,
+              (std::vector<std::string>{"Translating…", "Please quote", "No text found here."}));
+}
+
 TEST_F(TranslationHUDTest, ANewPillStandsBesideTheOneThatFadesAndIsLeftAlone) {
     for (const Duration fading : {0ms, 100ms}) {
         hud->show("");

@@ -6,6 +6,7 @@
 #include "Platform/Desktop/Session/DesktopNotifications.h"
 #include "Platform/Desktop/Session/SignalWatch.h"
 #include "Platform/Desktop/Session/SingleInstance.h"
+#include "Platform/Desktop/Windows/DesktopAccessibility.h"
 #include "Platform/Desktop/Windows/DesktopAlerts.h"
 #include "Platform/Foundation/LogSink.h"
 #include "Platform/Foundation/ThreadRunLoop.h"
@@ -31,6 +32,7 @@ public:
     Application& application() override { return app; }
     Alerts& alerts() override { return alertWindows; }
     UserNotifications& userNotifications() override { return notices; }
+    Accessibility& accessibility() override { return needs; }
     void runEventLoop() override;
     void endEventLoop() override;
     void activate() override;
@@ -85,6 +87,7 @@ private:
     const HostTexts texts{bundle, app};
     DesktopAlerts alertWindows{[this](QWindow& window) { bringForward(window); }, texts, bundle};
     DesktopNotifications notices{QDBusConnection::sessionBus(), bundle};
+    DesktopAccessibility needs{QDBusConnection::sessionBus()};
     DesktopLoginItem autostart;
     UserDefaults defaults;
     NotificationCenter notifications;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Headless/FocusedField.h"
+#include "Platform/Headless/HeadlessAccessibility.h"
 #include "Platform/Headless/HeadlessAlerts.h"
 #include "Platform/Headless/HeadlessKeyboard.h"
 #include "Platform/Headless/HeadlessLoginItem.h"
@@ -39,6 +40,7 @@ public:
     HeadlessStatusBar bar;
     HeadlessAlerts alertsShown;
     HeadlessNotifications notices;
+    HeadlessAccessibility needs;
     HeadlessLoginItem login;
     SystemFacts facts{"Version 14.5 (Build 23F79)", "Mac14,2"};
     ScriptedHTTP network{clock};
@@ -51,6 +53,7 @@ public:
     WindowServer& windowServer() override { return windows; }
     Alerts& alerts() override { return alertsShown; }
     UserNotifications& userNotifications() override { return notices; }
+    Accessibility& accessibility() override { return needs; }
     // The test is the event loop: it advances the clock.
     void runEventLoop() override { isRunning = true; }
     void endEventLoop() override { isRunning = false; }
