@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Accessibility.h"
 #include "Platform/Foundation/Bundle.h"
 #include "Platform/Foundation/Directories.h"
 #include "Platform/Foundation/HTTPSession.h"
@@ -15,6 +16,7 @@
 #include "Platform/Kit/WindowServer.h"
 #include "Platform/LoginItem.h"
 #include "Platform/SystemFacts.h"
+#include "Platform/UserNotifications.h"
 
 #include <memory>
 #include <string>
@@ -36,6 +38,8 @@ public:
     virtual StatusBar& statusBar() = 0;
     virtual WindowServer& windowServer() = 0;
     virtual Alerts& alerts() = 0;
+    virtual UserNotifications& userNotifications() = 0;
+    virtual Accessibility& accessibility() = 0;
 
     // Works on the main run loop until `endEventLoop` is called.
     virtual void runEventLoop() = 0;

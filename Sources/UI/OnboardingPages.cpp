@@ -107,7 +107,8 @@ void OnboardingWindow::buildDone(View& page) {
     page.addSubview(centeredLabel(localized("onboarding.done.body"), Font::systemFont(12), secondary,
                                   {20, 226, 340, 18}));
     addMainButton("onboarding.done.cta", done, 36, page);
-    startConfetti(page, random);
+    if (!Host::current().accessibility().shouldReduceMotion())
+        startConfetti(page, random);
 }
 
 void OnboardingWindow::addMainButton(const std::string& titleKey, int step, double y, View& page) {
@@ -125,7 +126,7 @@ std::shared_ptr<Button> OnboardingWindow::makeSkipButton(double y) {
     auto button =
         std::make_shared<Button>(localized("onboarding.permission.skip"), [weak = weak_from_this()](Button&) {
             if (auto self = weak.lock())
-                self->skipStep();
+                self->leavePermission();
         });
     button->setBezelStyle(BezelStyle::inlined);
     button->setBordered(false);

@@ -32,7 +32,7 @@ void OnboardingWindow::showStep(int step, bool animated) {
         step = currentStep = done;
     auto page = buildStep(step);
     const auto previous = containerView->subviews();
-    if (!animated || previous.empty()) {
+    if (!animated || previous.empty() || Host::current().accessibility().shouldReduceMotion()) {
         for (const auto& view : previous)
             view->removeFromSuperview();
         containerView->addSubview(std::move(page));
@@ -57,6 +57,9 @@ void OnboardingWindow::showStep(int step, bool animated) {
 }
 
 void OnboardingWindow::stepAction(int step) {
+    // A page that slides away may still be pressed.
+    if (step != currentStep)
+        return;
     switch (step) {
     case welcome:
         demoTimer = {};
@@ -77,11 +80,10 @@ void OnboardingWindow::stepAction(int step) {
     }
 }
 
-void OnboardingWindow::skipStep() {
-    leavePermission();
-}
-
 void OnboardingWindow::leavePermission() {
+    // The page slides away already: skipped twice, or gone on by the button before the permission was seen.
+    if (currentStep != permission)
+        return;
     accessibilityTimer = {};
     currentStep = done;
     showStep(done, true);
@@ -122,8 +124,7 @@ void OnboardingWindow::showGranted() {
              {" " + localized("onboarding.permission.granted"), Font::systemFont(12), green}});
     }
     Host::current().mainRunLoop().postAfter(400ms, [weak = weak_from_this()] {
-        // The person may have gone on by the button.
-        if (auto self = weak.lock(); self && self->currentStep == permission)
+        if (auto self = weak.lock())
             self->leavePermission();
     });
 }

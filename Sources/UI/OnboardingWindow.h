@@ -41,7 +41,6 @@ private:
     void addStatus(bool isGranted, platform::View& page);
 
     void stepAction(int step);
-    void skipStep();
     void finish();
 
     void pollAccessibility();

@@ -1,5 +1,6 @@
 #include "UI/TranslationHUD.h"
 
+#include "Core/LocalizationManager.h"
 #include "Platform/Foundation/Text.h"
 #include "Platform/Host.h"
 #include "Platform/Kit/AnimationContext.h"
@@ -25,6 +26,7 @@ constexpr double topMargin = 14;
 constexpr auto successGreen = Color::calibrated(0.38, 0.82, 0.56, 1.0);
 constexpr auto errorRose = Color::calibrated(0.96, 0.42, 0.42, 1.0);
 constexpr auto errorText = Color::calibrated(1.0, 0.78, 0.74, 0.95);
+constexpr Duration wideningTime = 180ms;
 // A fast start that settles gently.
 constexpr TimingFunction springLike(0.25, 1.0, 0.5, 1.0);
 
@@ -36,6 +38,23 @@ double widthFor(double textWidth) {
     return std::clamp(textWidth + 40, expandedMinWidth, expandedMaxWidth);
 }
 
+// From rest by the curve. Texts come faster than that: what is still on its way goes on at the speed it has,
+// so that the end of the text, which the eye follows, stays in sight.
+TimingFunction wideningTo(double width, const Layer& layer, TimingFunction fromRest) {
+    constexpr Duration moment = 10us;
+    constexpr double rest = 0.05;
+    const auto now = Host::current().mainRunLoop().now();
+    const double shown = layer.presentation(now).size.width;
+    const double growth = layer.presentation(now + moment).size.width - shown;
+    const double speed = growth / (width - shown) * static_cast<double>(wideningTime / moment);
+    return std::abs(speed) < rest ? fromRest : TimingFunction::goingOn(speed);
+}
+
+// Then it fades and changes and no more.
+bool movesLess() {
+    return Host::current().accessibility().shouldReduceMotion();
+}
+
 double bottomUnderBar(const Screen& screen) {
     return screen.visibleFrame.maxY() - Pill::pillHeight - topMargin;
 }
@@ -45,6 +64,9 @@ double bottomUnderBar(const Screen& screen) {
 void TranslationHUD::show(const std::string&) {
     dismiss();
     bringIn(collapsedWidth);
+    Host::current().accessibility().announce(localized("hud.waiting"));
+    if (movesLess())
+        return;
     startBreathing();
     startShimmer();
 }
@@ -55,13 +77,15 @@ void TranslationHUD::bringIn(double width) {
         pill->panel->setFrameOrigin({screen->visibleFrame.midX() - width * 0.5, bottomUnderBar(*screen)});
     pill->panel->orderFrontRegardless();
 
-    auto& body = *pill->visualEffect->layer();
-    body.setTransform(Transform::concat(Transform::makeScale(0.8, 0.8), Transform::makeTranslation(0, -8)));
     AnimationContext::runAnimationGroup([&](AnimationContext& context) {
         context.duration = 350ms;
         context.timingFunction = springLike;
         pill->panel->animator().setAlphaValue(1);
     });
+    if (movesLess())
+        return;
+    auto& body = *pill->visualEffect->layer();
+    body.setTransform(Transform::concat(Transform::makeScale(0.8, 0.8), Transform::makeTranslation(0, -8)));
     const Transaction transaction(350ms, springLike);
     body.setTransform(Transform::identity());
 }
@@ -83,14 +107,16 @@ void TranslationHUD::update(const std::string& text) {
     const bool isThere = screen->frame.contains({before.midX(), before.midY()});
     const Rect frame{screen->visibleFrame.midX() - width * 0.5, isThere ? before.y : bottomUnderBar(*screen),
                      width, Pill::pillHeight};
-    // A pill on its way there is let arrive: begun anew at each of many texts, it would hardly move.
     if (frame != before) {
+        const Duration time = movesLess() ? 0ms : wideningTime;
         AnimationContext::runAnimationGroup([&](AnimationContext& context) {
-            context.duration = 180ms;
-            context.timingFunction = TimingFunction::easeInEaseOut();
+            context.duration = time;
+            context.timingFunction =
+                wideningTo(width, *pill->visualEffect->layer(), TimingFunction::easeInEaseOut());
             pill->panel->animator().setFrame(frame);
         });
-        const Transaction transaction(180ms);
+        const Transaction transaction(time,
+                                      wideningTo(width, *pill->glowLayer, TimingFunction::defaultCurve()));
         pill->glowLayer->setFrame({0, 0, width, Pill::pillHeight});
     }
     pill->textField->setFrame(Pill::labelFrame(width));
@@ -132,7 +158,9 @@ void TranslationHUD::showDone() {
         pill->glowLayer->setColors(Pill::glowColors(successGreen, 0.22, 0.06));
         pill->glowLayer->setOpacity(0.7F);
     }
-    sweepAndPulse();
+    if (!movesLess())
+        sweepAndPulse();
+    Host::current().accessibility().announce(pill->textField->stringValue());
     Host::current().mainRunLoop().postAfter(800ms, [weak = std::weak_ptr(pill->glowLayer)] {
         if (auto glow = weak.lock()) {
             const Transaction transaction(500ms);
@@ -181,6 +209,11 @@ void TranslationHUD::showError(const std::string& message) {
     pill->textField->setAlphaValue(1);
     pill->textField->setStringValue(message);
     pill->textField->setTextColor(errorText);
+    if (!pill->textField->showsWhole())
+        Host::current().userNotifications().deliver(message);
+    Host::current().accessibility().announce(message);
+    if (movesLess())
+        return;
     pill->visualEffect->layer()->addAnimation(
         KeyframeAnimation{{.keyPath = "transform.translation.x", .duration = 300ms},
                           {0.0, -2.0, 2.0, -1.5, 1.5, 0.0},
@@ -201,7 +234,7 @@ void TranslationHUD::dismiss() {
             pill->panel->animator().setAlphaValue(0);
         },
         [panel = pill->panel] { panel->orderOut(); });
-    {
+    if (!movesLess()) {
         const Transaction transaction(200ms, TimingFunction::easeIn());
         pill->visualEffect->layer()->setTransform(
             Transform::concat(Transform::makeScale(0.95, 0.95), Transform::makeTranslation(0, 12)));

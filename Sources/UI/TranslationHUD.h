@@ -17,7 +17,8 @@ public:
     // Shows the translation so far, in a pill of its width.
     void update(const std::string& text);
     void showDone();
-    // In the pill there is, as wide as it is, or else in one of the message's width.
+    // In the pill there is, as wide as it is, or else in one of the message's width; a message that it has no
+    // room for is told by the desktop besides.
     void showError(const std::string& message);
     void dismiss();
 

@@ -55,13 +55,18 @@ protected:
         EXPECT_TRUE(window().performKeyEquivalent("\r"));
         host.advance(250ms);
     }
-    void skip() {
+    void press(const std::string& buttonTitle, int times = 1) {
+        std::shared_ptr<Button> found;
         window().contentView()->forEach<Button>([&](const auto& button) {
-            if (button->title() == "Skip")
-                button->performClick();
+            if (button->title() == buttonTitle)
+                found = button;
         });
+        ASSERT_TRUE(found) << buttonTitle;
+        for (; times > 0; --times)
+            found->performClick();
         host.advance(250ms);
     }
+    void skip() { press("Skip"); }
     void permit() { host.keys.isPermitted = true; }
 
     bool comesToRest() { return timeToRest() < 30s; }
@@ -126,6 +131,24 @@ TEST_F(Onboarding, LeadsToTheEndOnEveryWay) {
         EXPECT_TRUE(comesToRest());
         launch();
     }
+}
+
+TEST_F(Onboarding, APageThatSlidesAwayLeadsOnOnce) {
+    press("Get Started", 2);
+    EXPECT_EQ(title(), permissionTitle);
+    press("Skip", 2);
+    EXPECT_EQ(title(), doneTitle);
+}
+
+TEST_F(Onboarding, ShowsItsPagesWithoutMotionWhereLessIsToMove) {
+    host.needs.reducesMotion = true;
+    EXPECT_TRUE(window().performKeyEquivalent("\r"));
+    EXPECT_EQ(title(), permissionTitle);
+    permit();
+    EXPECT_TRUE(window().performKeyEquivalent("\r"));
+    EXPECT_EQ(title(), doneTitle);
+    EXPECT_EQ(page().frame().x, 0);
+    EXPECT_FALSE(window().nextChange(host.clock.now())) << "no confetti";
 }
 
 TEST_F(Onboarding, ClosedItCallsNothingAndOnlyWaitsOn) {

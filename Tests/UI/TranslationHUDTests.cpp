@@ -170,6 +170,41 @@ TEST_F(TranslationHUDTest, IsAsWideAsItsTextWithinLimitsAboutTheMiddleOfTheScree
     }
 }
 
+TEST_F(TranslationHUDTest, KeepsTheEndOfAFastStreamInSight) {
+    for (const int rate : {30, 50}) {
+        hud->show("");
+        hud->update(letters(8));
+        host.advance(1s);
+        std::vector<std::pair<Duration, double>> unseen;
+        double width = 120;
+        double speed = 0;
+        const auto passTime = [&](Duration time) {
+            for (Duration passed{}; passed < time; passed += 1ms) {
+                host.advance(1ms);
+                const double now = pill().size.width;
+                EXPECT_GE(now, width) << rate << ": it goes back";
+                speed = now - width;
+                width = now;
+                // Its ends are 20 points from the text's.
+                std::erase_if(unseen, [&](auto& end) { return now >= end.second - 20; });
+                for (const auto& end : unseen)
+                    EXPECT_LE(host.clock.now() - end.first, 50ms) << rate << " at " << end.second;
+            }
+        };
+        std::size_t length = 8;
+        for (int piece = 0; length < 50; ++piece) {
+            length += std::array{2U, 1U, 4U, 3U}[static_cast<std::size_t>(piece % 4)];
+            hud->update(letters(length));
+            unseen.emplace_back(host.clock.now(), static_cast<double>(length * 10 + 40));
+            EXPECT_NEAR((pill(10us).size.width - width) * 100, speed, 0.2) << rate << ": it jerks";
+            passTime(Duration(1s) / rate);
+        }
+        passTime(180ms - Duration(1s) / rate);
+        expectWidth(static_cast<double>(length * 10 + 40), "at the end");
+        EXPECT_TRUE(unseen.empty());
+    }
+}
+
 TEST_F(TranslationHUDTest, TheCaretStandsWhereTheTextEnds) {
     hud->show("");
     for (const auto& [text, left] : {std::pair{"Price: سعر", 118.0}, {"سعر: Price", 16.5}, {"سعر", 41.5}}) {
@@ -253,6 +288,25 @@ TEST_F(TranslationHUDTest, ShowsAnErrorWithoutAPillInOneOfItsWidth) {
     }
 }
 
+TEST_F(TranslationHUDTest, HasTheDesktopTellWhatThePillHasNoRoomFor) {
+    struct Case {
+        std::optional<std::size_t> shown;
+        std::size_t message;
+        bool isTold;
+    };
+    for (const auto& [shown, message, isTold] :
+         {Case{{}, 3, false}, {{}, 52, false}, {{}, 53, true}, {0, 3, true}, {1, 8, false}, {30, 31, true}}) {
+        if (shown)
+            hud->show("");
+        if (shown && *shown > 0)
+            hud->update(letters(*shown));
+        host.notices.delivered.clear();
+        hud->showError(letters(message));
+        EXPECT_EQ(host.notices.delivered, std::vector<std::string>(isTold, letters(message))) << message;
+        hud->dismiss();
+    }
+}
+
 TEST_F(TranslationHUDTest, FadesAwayFromEveryLookAndLeavesNothing) {
     const auto hasText = [&] { hud->update("Please"); };
     const auto isDone = [&] { hud->showDone(); };
@@ -279,6 +333,47 @@ TEST_F(TranslationHUDTest, FadesAwayFromEveryLookAndLeavesNothing) {
     hud->showDone();
     EXPECT_EQ(timeToRest(), 200ms);
     EXPECT_TRUE(host.windows.shown.empty());
+}
+
+TEST_F(TranslationHUDTest, OnlyFadesAndChangesWhereLessIsToMove) {
+    host.needs.reducesMotion = true;
+    hud->show("");
+    const auto stands = [&] {
+        for (const Duration after : {0ms, 50ms, 100ms, 250ms}) {
+            expectTransform(body(after), 1, 0);
+            EXPECT_EQ(body(after).transform.translation.x, 0);
+            EXPECT_EQ(shimmer(after).position.x, 0);
+            EXPECT_EQ(body(after).sublayers.size(), 4U);
+        }
+    };
+    stands();
+    EXPECT_NEAR(pill(175ms).opacity, springAtHalf, fine);
+    EXPECT_EQ(timeToRest(), 0ms) << "it does not breathe";
+    host.advance(1s);
+    EXPECT_FALSE(isMoving());
+    hud->update(letters(30));
+    expectWidth(340, "at once");
+    EXPECT_NEAR(label(125ms).opacity, springAtHalf, fine);
+    host.advance(1s);
+    hud->showDone();
+    stands();
+    hud->showError("No");
+    stands();
+    hud->dismiss();
+    stands();
+    EXPECT_NEAR(pill(100ms).opacity, 1 - easeInAtHalf, fine);
+    EXPECT_EQ(timeToRest(), 800ms);
+}
+
+TEST_F(TranslationHUDTest, IsAnnouncedToThoseWhoCannotSeeIt) {
+    hud->show("请报价");
+    for (const char* text : {"Please", "Please quote"})
+        hud->update(text);
+    hud->showDone();
+    hud->dismiss();
+    hud->showError("No text found here.");
+    EXPECT_EQ(host.needs.announced,
+              (std::vector<std::string>{"Translating…", "Please quote", "No text found here."}));
 }
 
 TEST_F(TranslationHUDTest, ANewPillStandsBesideTheOneThatFadesAndIsLeftAlone) {

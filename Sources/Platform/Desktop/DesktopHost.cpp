@@ -103,6 +103,7 @@ void DesktopHost::runEventLoop() {
 void DesktopHost::startBackground() {
     backgroundThread = std::thread([this] { background.run(); });
     background.post(LoadedHTTPSession::prepare);
+    needs.follow();
     prepareRest();
 }
 

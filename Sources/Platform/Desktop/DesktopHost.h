@@ -4,7 +4,9 @@
 #include "Platform/Desktop/QtArguments.h"
 #include "Platform/Desktop/QtRunLoop.h"
 #include "Platform/Desktop/Session/DesktopLoginItem.h"
+#include "Platform/Desktop/Session/DesktopNotifications.h"
 #include "Platform/Desktop/Session/SignalWatch.h"
+#include "Platform/Desktop/Windows/DesktopAccessibility.h"
 #include "Platform/Desktop/Windows/DesktopAlerts.h"
 #include "Platform/Foundation/LogSink.h"
 #include "Platform/Foundation/ThreadRunLoop.h"
@@ -30,6 +32,8 @@ public:
 
     Application& application() override { return app; }
     Alerts& alerts() override { return alertWindows; }
+    UserNotifications& userNotifications() override { return notices; }
+    Accessibility& accessibility() override { return needs; }
     void runEventLoop() override;
     void endEventLoop() override;
     void activate() override;
@@ -88,6 +92,8 @@ private:
     Application app;
     const HostTexts texts{bundle, app};
     DesktopAlerts alertWindows{[this](QWindow& window) { bringForward(window); }, texts, bundle};
+    DesktopNotifications notices{QDBusConnection::sessionBus(), bundle};
+    DesktopAccessibility needs{QDBusConnection::sessionBus()};
     DesktopLoginItem autostart;
     UserDefaults defaults;
     NotificationCenter notifications;

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Platform/Headless/FocusedField.h"
+#include "Platform/Headless/HeadlessAccessibility.h"
 #include "Platform/Headless/HeadlessAlerts.h"
 #include "Platform/Headless/HeadlessKeyboard.h"
 #include "Platform/Headless/HeadlessLoginItem.h"
+#include "Platform/Headless/HeadlessNotifications.h"
 #include "Platform/Headless/HeadlessPasteboard.h"
 #include "Platform/Headless/HeadlessStatusBar.h"
 #include "Platform/Headless/HeadlessWindowServer.h"
@@ -37,6 +39,8 @@ public:
     int trustPrompts = 0;
     HeadlessStatusBar bar;
     HeadlessAlerts alertsShown;
+    HeadlessNotifications notices;
+    HeadlessAccessibility needs;
     HeadlessLoginItem login;
     SystemFacts facts{"Version 14.5 (Build 23F79)", "Mac14,2"};
     ScriptedHTTP network{clock};
@@ -48,6 +52,8 @@ public:
     StatusBar& statusBar() override { return bar; }
     WindowServer& windowServer() override { return windows; }
     Alerts& alerts() override { return alertsShown; }
+    UserNotifications& userNotifications() override { return notices; }
+    Accessibility& accessibility() override { return needs; }
     // The test is the event loop: it advances the clock.
     void runEventLoop() override { isRunning = true; }
     void endEventLoop() override { isRunning = false; }

@@ -22,6 +22,9 @@ public:
 
     const TextFieldCell& cell() const { return *content; }
 
+    // Whether the text has room in the field's width.
+    bool showsWhole() const;
+
     const std::string& stringValue() const { return content->stringValue; }
     void setStringValue(std::string text) {
         content->attributedStringValue.clear();
