@@ -62,3 +62,23 @@ TEST(Json, StandsDeepNesting) {
     EXPECT_EQ(decodeStringDictionary("{\"a\":" + opened + closed + "}"), std::nullopt);
     EXPECT_EQ(decodeStringMembers("{\"a\":" + opened + closed + ",\"b\":\"2\"}"), (Dictionary{{"b", "2"}}));
 }
+
+TEST(Json, KnowsWhatIsNestedTooDeep) {
+    const auto nested = [](int levels, const std::string& inside) {
+        std::string json = inside;
+        for (int level = 0; level < levels; ++level)
+            json = level % 2 == 0 ? "[" + json + "]" : "{\"a\":" + json + "}";
+        return json;
+    };
+    const std::pair<std::string, bool> cases[] = {
+        {nested(32, ""), false},
+        {nested(33, ""), true},
+        {std::string(1'000'000, '['), true},
+        {nested(31, "[],{}," + std::string(100, ' ') + "[[1]]"), true},
+        {nested(31, "[1],[2],{}"), false}, // Side by side.
+        {nested(31, R"("[[{{", "\"[[{{", "\\", [1])"), false},
+        {nested(31, R"("\\\"", [["]"]])"), true},
+    };
+    for (const auto& [json, expected] : cases)
+        EXPECT_EQ(isTooDeep(json), expected) << json.substr(0, 200);
+}

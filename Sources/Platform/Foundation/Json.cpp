@@ -107,4 +107,22 @@ std::string encodeStringDictionary(const std::map<std::string, std::string>& dic
     return Json(dictionary).dump();
 }
 
+bool isTooDeep(std::string_view json) {
+    constexpr int mostLevels = 32;
+    int levels = 0;
+    bool isInString = false;
+    for (std::size_t position = 0; position < json.size(); ++position) {
+        const char byte = json[position];
+        if (byte == '"')
+            isInString = !isInString;
+        else if (byte == '\\')
+            ++position; // Whatever is escaped.
+        else if (!isInString && (byte == '[' || byte == '{') && ++levels > mostLevels)
+            return true;
+        else if (!isInString && (byte == ']' || byte == '}'))
+            --levels;
+    }
+    return false;
+}
+
 } // namespace platform

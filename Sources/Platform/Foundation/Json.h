@@ -20,4 +20,9 @@ std::optional<std::map<std::string, std::string>> decodeStringMembers(std::strin
 // The compact JSON object. Throws std::exception when a text is not valid UTF-8.
 std::string encodeStringDictionary(const std::map<std::string, std::string>& dictionary);
 
+// Whether arrays and objects stand in each other more than 32 deep, as only a text does that is meant to
+// harm: copying what is read of it takes the stack once a level. To be asked before foreign JSON is read into
+// a tree; of a text that is no JSON it says nothing.
+bool isTooDeep(std::string_view json);
+
 } // namespace platform
