@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -18,12 +19,14 @@ struct Options {
     std::filesystem::path certificate;
     std::vector<std::string> names; // Besides localhost and the loopback addresses.
 
-    std::string upstream; // Empty for the built-in gloss.
+    static constexpr const char* gloss = "gloss";
+    std::string
+        upstream; // Empty for a model of this computer, if there is one; `gloss` for the built-in one.
     std::string model;
     std::string key;                         // The content of --key-file.
     std::filesystem::path upstreamAuthority; // Empty for none.
     nlohmann::json parameters = nlohmann::json::object();
-    std::chrono::seconds timeout{8};
+    std::optional<std::chrono::seconds> timeout;
 
     // Translations a minute and at once; zero is no limit.
     int rate = 6000;
@@ -42,7 +45,10 @@ struct Options {
     std::string removeClient;     // Whom to take it away from.
 
     std::vector<std::filesystem::path> secretFiles; // That have been named, and may not be served.
-    std::string needsUpstream;                      // An option that has been used.
+    // Options that have been used, and mean nothing without an address, or to the gloss.
+    std::string needsAddress;
+    std::string needsModel;
+    bool check = false;
     bool help = false;
 };
 

@@ -59,13 +59,17 @@ void setNames(Options& options, const std::string& value) {
 }
 
 void setUpstream(Options& options, const std::string& value) {
+    if (value == Options::gloss) {
+        options.upstream = value;
+        return;
+    }
     try {
         const platform::CurlAddress address(value, platform::CurlAddress::PlainHTTP::everywhere);
         if (address.url.find_first_of("?#@") != std::string::npos)
             throw platform::HTTPError("It may hold no name, no key and no query.");
         options.upstream = address.url;
     } catch (const platform::HTTPError& error) {
-        throw OptionError("takes a base address such as http://127.0.0.1:8000/v1. "
+        throw OptionError("takes gloss or a base address such as http://127.0.0.1:8000/v1. "
                           + std::string(error.what()));
     }
     // Many a server's description names the whole address.
@@ -125,22 +129,22 @@ void setNumber(Options& options, const std::string& value) {
     options.*field = number(value, least, most);
 }
 
-template <std::chrono::seconds Options::*field, int most>
+template <auto field, int most>
 void setSeconds(Options& options, const std::string& value) {
     options.*field = std::chrono::seconds(number(value, 1, most));
 }
 
 constexpr int million = 1'000'000;
 
-constexpr bool ofUpstream = true;
+using Need = Setting::Need;
 
 constexpr auto all = std::to_array<Setting>({
     {"upstream", Setting::Kind::text, setUpstream},
-    {"model", Setting::Kind::text, setModel, ofUpstream},
-    {"key-file", Setting::Kind::path, setKeyFile, ofUpstream},
-    {"upstream-authority", Setting::Kind::path, setAuthority, ofUpstream},
-    {"parameters", Setting::Kind::object, setParameters, ofUpstream},
-    {"timeout", Setting::Kind::number, setSeconds<&Options::timeout, 3600>, ofUpstream},
+    {"model", Setting::Kind::text, setModel, Need::model},
+    {"key-file", Setting::Kind::path, setKeyFile, Need::address},
+    {"upstream-authority", Setting::Kind::path, setAuthority, Need::address},
+    {"parameters", Setting::Kind::object, setParameters, Need::model},
+    {"timeout", Setting::Kind::number, setSeconds<&Options::timeout, 3600>, Need::model},
     {"listen", Setting::Kind::text, setListen},
     {"certificate", Setting::Kind::path,
      [](Options& options, const std::string& value) { options.certificate = value; }},
@@ -185,8 +189,10 @@ void set(Options& options, const Setting& setting, const std::string& value,
     if (isPath && value.empty())
         throw OptionError("names nothing.");
     setting.set(options, isPath ? (folder / value).string() : value);
-    if (setting.needsUpstream)
-        options.needsUpstream = setting.name;
+    if (setting.need == Need::address)
+        options.needsAddress = setting.name;
+    if (setting.need == Need::model)
+        options.needsModel = setting.name;
 }
 
 // "line 3, column 7" of a position in a text, counted from 1 on.

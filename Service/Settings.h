@@ -16,7 +16,8 @@ struct Setting {
     Kind kind;
     // Takes the value as text. Throws an OptionError without saying which setting is meant.
     void (*set)(Options& options, const std::string& value);
-    bool needsUpstream = false; // Means nothing to the built-in gloss.
+    // What it means nothing without: the address of a model server, a model of any.
+    enum class Need { nothing, address, model } need = Need::nothing;
 };
 
 std::span<const Setting> settings();

@@ -58,6 +58,9 @@ public:
     // served; nothing has been answered at that point.
     virtual std::unique_ptr<Translation> begin(const TranslationRequest& request,
                                                Clock::time_point deadline) const = 0;
+
+    // What answers at the moment: a model's name, or what it is if it has none.
+    virtual std::string name() const = 0;
 };
 
 } // namespace lumarin::service
