@@ -14,15 +14,20 @@ FoundModels::FoundModels(UpstreamConfiguration how, const Log& events, std::span
 
 asio::awaitable<void> FoundModels::look() {
     const auto model = co_await findLocalModel(configuration.model, where);
-    if (!model || model == found)
+    if (model == found)
         co_return;
     found = model;
+    if (!model) {
+        current = &gloss;
+        log.write("model gone");
+        co_return;
+    }
     auto& upstream = known[model->url + " " + model->name]; // Translations may still be asking an old one.
     if (!upstream) {
         UpstreamConfiguration chosen = configuration;
         chosen.url = model->url;
         chosen.model = model->name;
-        upstream = std::make_unique<Upstream>(std::move(chosen));
+        upstream = std::make_unique<Upstreams>(std::vector{Upstreams::Choice{std::move(chosen)}});
     }
     current = upstream.get();
     log.write("model found",
@@ -34,9 +39,10 @@ asio::awaitable<void> FoundModels::look() {
 
 asio::awaitable<void> FoundModels::keepLooking() {
     while (true) {
-        if (!found)
-            co_await look();
         co_await pause(timeBetweenLooks);
+        const auto health = current->health();
+        if (health.empty() || !health.front().isWell)
+            co_await look();
     }
 }
 

@@ -3,7 +3,7 @@
 #include "Service/Gloss/Gloss.h"
 #include "Service/Support/Log.h"
 #include "Service/Upstream/LocalModels.h"
-#include "Service/Upstream/Upstream.h"
+#include "Service/Upstream/Upstreams.h"
 
 #include <map>
 #include <memory>
@@ -22,7 +22,7 @@ public:
 
     // Looks once, for half a second at the longest.
     asio::awaitable<void> look();
-    // Looks again for a server that starts later, as at login.
+    // Looks again for a server that starts later, as at login, and for another one when that fails.
     asio::awaitable<void> keepLooking();
 
     std::unique_ptr<Translation> begin(const TranslationRequest& request,
@@ -30,6 +30,7 @@ public:
         return current->begin(request, deadline);
     }
     std::string name() const override { return current->name(); }
+    std::vector<Health> health() const override { return current->health(); }
 
     // The model that is asked; none while it is the gloss.
     const std::optional<LocalModel>& model() const { return found; }
@@ -39,7 +40,7 @@ private:
     const Log& log;
     const std::span<const std::uint16_t> where;
     const Gloss gloss;
-    std::map<std::string, std::unique_ptr<const Upstream>> known; // By address and model.
+    std::map<std::string, std::unique_ptr<const Upstreams>> known; // By address and model.
     std::optional<LocalModel> found;
     const TranslationEngine* current = &gloss;
 };

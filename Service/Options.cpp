@@ -30,6 +30,11 @@ Where translations come from:
   --timeout SECONDS    the longest time it may say nothing (default 8; 60 for a
                        model that was found); with more, Lumarin is kept
                        waiting as long as it takes
+  --upstreams LIST     several model servers, best kept in the file of --config:
+                       [{"upstream": URL, "model": NAME, "weight": 2}, ...]
+                       with any of the above in each. Those with a weight share
+                       the translations; the others are asked, in their order,
+                       when those fail
   --check              have it translate one sentence, say what came and how
                        fast or what to mend, and end; status 1 if it failed
 
@@ -91,7 +96,7 @@ std::filesystem::path defaultCertificate() {
 }
 
 // What stands on the command line alone, beside the settings.
-enum : int { config = 1000, check, help, addClient, removeClient };
+enum : int { config = 1000, checkOnly, help, addClient, removeClient };
 
 // A line for each setting, numbered from 1 on in their order, and for the options that are none.
 std::vector<option> knownOptions() {
@@ -99,7 +104,7 @@ std::vector<option> knownOptions() {
     for (const Setting& setting : settings())
         known.push_back({setting.name, required_argument, nullptr, static_cast<int>(known.size()) + 1});
     known.push_back({"config", required_argument, nullptr, config});
-    known.push_back({"check", no_argument, nullptr, check});
+    known.push_back({"check", no_argument, nullptr, checkOnly});
     known.push_back({"help", no_argument, nullptr, help});
     known.push_back({"add-client", required_argument, nullptr, addClient});
     known.push_back({"remove-client", required_argument, nullptr, removeClient});
@@ -125,8 +130,11 @@ void checkAppcast(const Options& options) {
 }
 
 Options finished(Options options) {
+    const std::string& ofOne = options.needsAddress.empty() ? options.needsModel : options.needsAddress;
+    if (!options.upstreams.empty() && !ofOne.empty())
+        throw OptionError("--" + ofOne + " has to be said of each of --upstreams, within it.");
     const bool isGloss = options.upstream == Options::gloss;
-    if ((options.upstream.empty() || isGloss) && !options.needsAddress.empty())
+    if (options.upstreams.empty() && (options.upstream.empty() || isGloss) && !options.needsAddress.empty())
         throw OptionError("--" + options.needsAddress + " is of no use without the address of --upstream.");
     if (isGloss && !options.needsModel.empty())
         throw OptionError("--" + options.needsModel + " is of no use with --upstream gloss.");
@@ -158,7 +166,7 @@ Options parseOptions(int count, char* const* arguments) {
         }
         if (found == config)
             setFromFile(options, optarg);
-        else if (found == check)
+        else if (found == checkOnly)
             options.check = true;
         else if (found == help)
             options.help = true;

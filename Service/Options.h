@@ -12,14 +12,10 @@
 
 namespace lumarin::service {
 
-// What the operator asks for, on the command line and in the configuration file.
-struct Options {
-    std::string host = "127.0.0.1";
-    std::uint16_t port = 8443; // 0: any free one.
-    std::filesystem::path certificate;
-    std::vector<std::string> names; // Besides localhost and the loopback addresses.
-
+// A model server and how to ask it.
+struct UpstreamOptions {
     static constexpr const char* gloss = "gloss";
+
     std::string
         upstream; // Empty for a model of this computer, if there is one; `gloss` for the built-in one.
     std::string model;
@@ -27,6 +23,17 @@ struct Options {
     std::filesystem::path upstreamAuthority; // Empty for none.
     nlohmann::json parameters = nlohmann::json::object();
     std::optional<std::chrono::seconds> timeout;
+    int weight = 0; // Its share among several.
+};
+
+// What the operator asks for, on the command line and in the configuration file.
+struct Options : UpstreamOptions {
+    std::string host = "127.0.0.1";
+    std::uint16_t port = 8443; // 0: any free one.
+    std::filesystem::path certificate;
+    std::vector<std::string> names; // Besides localhost and the loopback addresses.
+
+    std::vector<UpstreamOptions> upstreams; // Several, instead of the one.
 
     // Translations a minute and at once; zero is no limit.
     int rate = 6000;

@@ -59,6 +59,7 @@ void setNames(Options& options, const std::string& value) {
 }
 
 void setUpstream(Options& options, const std::string& value) {
+    options.upstreams.clear();
     if (value == Options::gloss) {
         options.upstream = value;
         return;
@@ -145,6 +146,7 @@ constexpr auto all = std::to_array<Setting>({
     {"upstream-authority", Setting::Kind::path, setAuthority, Need::address},
     {"parameters", Setting::Kind::object, setParameters, Need::model},
     {"timeout", Setting::Kind::number, setSeconds<&Options::timeout, 3600>, Need::model},
+    {"upstreams", Setting::Kind::upstreams, nullptr},
     {"listen", Setting::Kind::text, setListen},
     {"certificate", Setting::Kind::path,
      [](Options& options, const std::string& value) { options.certificate = value; }},
@@ -173,6 +175,8 @@ std::string textOf(const nlohmann::json& value, Setting::Kind kind) {
         if (value.is_object())
             return value.dump();
         throw OptionError("has to be an object.");
+    case Setting::Kind::upstreams:
+        return value.dump();
     case Setting::Kind::text:
     case Setting::Kind::path:
         break;
@@ -182,13 +186,62 @@ std::string textOf(const nlohmann::json& value, Setting::Kind kind) {
     return value.get<std::string>();
 }
 
+const Setting& settingOf(const std::string& name) {
+    const auto setting =
+        std::ranges::find(all, name, [](const Setting& each) { return std::string(each.name); });
+    if (setting == all.end())
+        throw OptionError("is not known; see --help.");
+    return *setting;
+}
+
+void set(Options& options, const Setting& setting, const std::string& value,
+         const std::filesystem::path& folder);
+
+// One of several model servers: what it may say is what could be said of the only one, and its weight.
+void addUpstream(Options& options, const nlohmann::json& server, const std::filesystem::path& folder) {
+    constexpr int mostWeight = 1000;
+    Options one;
+    for (const auto& [name, value] : server.items()) {
+        try {
+            if (name == "weight") {
+                one.weight = number(textOf(value, Setting::Kind::number), 0, mostWeight);
+                continue;
+            }
+            const Setting& setting = settingOf(name);
+            if (name != "upstream" && setting.need == Need::nothing)
+                throw OptionError("is nothing to say of one model server.");
+            set(one, setting, textOf(value, setting.kind), folder);
+        } catch (const OptionError& error) {
+            throw OptionError("has a \"" + name + "\" that " + error.what());
+        }
+    }
+    if (one.upstream.empty() || one.upstream == Options::gloss)
+        throw OptionError("needs the address of each as \"upstream\".");
+    options.upstreams.push_back(one);
+    options.secretFiles.insert(options.secretFiles.end(), one.secretFiles.begin(), one.secretFiles.end());
+}
+
+void setUpstreams(Options& options, const std::string& value, const std::filesystem::path& folder) {
+    const auto list = nlohmann::json::parse(value, nullptr, false);
+    if (!list.is_array() || list.empty()
+        || !std::ranges::all_of(list, [](const auto& server) { return server.is_object(); }))
+        throw OptionError("takes a list of objects.");
+    options.upstreams.clear();
+    options.upstream.clear();
+    for (const auto& server : list)
+        addUpstream(options, server, folder);
+}
+
 // Relative paths are relative to `folder`.
 void set(Options& options, const Setting& setting, const std::string& value,
          const std::filesystem::path& folder) {
     const bool isPath = setting.kind == Setting::Kind::path;
     if (isPath && value.empty())
         throw OptionError("names nothing.");
-    setting.set(options, isPath ? (folder / value).string() : value);
+    if (setting.kind == Setting::Kind::upstreams)
+        setUpstreams(options, value, folder);
+    else
+        setting.set(options, isPath ? (folder / value).string() : value);
     if (setting.need == Need::address)
         options.needsAddress = setting.name;
     if (setting.need == Need::model)
@@ -251,12 +304,11 @@ void setFromFile(Options& options, const std::filesystem::path& file) {
     options.secretFiles.push_back(file);
     const auto folder = std::filesystem::absolute(file).parent_path();
     for (const auto& [name, value] : config.items()) {
-        const auto setting =
-            std::ranges::find(all, name, [](const Setting& each) { return std::string(each.name); });
         try {
-            if (setting == all.end())
-                throw OptionError("is not known; see --help.");
-            set(options, *setting, textOf(value, setting->kind), folder);
+            const Setting& setting = settingOf(name);
+            if (name == "upstreams" && config.contains("upstream"))
+                throw OptionError("stands beside \"upstream\"; one of them has to go.");
+            set(options, setting, textOf(value, setting.kind), folder);
         } catch (const OptionError& error) {
             throw OptionError("\"" + name + "\" in " + file.string() + " " + error.what());
         }

@@ -10,7 +10,7 @@ namespace lumarin::service {
 // One thing that can be chosen, under the same name on the command line and in the configuration file.
 struct Setting {
     // How it is written in the file; on the command line everything is text.
-    enum class Kind { text, path, number, object };
+    enum class Kind { text, path, number, object, upstreams };
 
     const char* name;
     Kind kind;

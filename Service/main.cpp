@@ -3,7 +3,7 @@
 #include "Service/Options.h"
 #include "Service/Server.h"
 #include "Service/Tokens.h"
-#include "Service/Upstream/Upstream.h"
+#include "Service/Upstream/Upstreams.h"
 #include "Service/UpstreamCheck.h"
 
 #include <boost/asio/co_spawn.hpp>
@@ -43,7 +43,7 @@ void raiseDescriptorLimit() {
     }
 }
 
-UpstreamConfiguration configurationOf(const Options& options) {
+UpstreamConfiguration configurationOf(const UpstreamOptions& options) {
     constexpr std::chrono::seconds usualSilence{8};
     // A server on this computer may have to load the model first.
     constexpr std::chrono::seconds silenceWhileLoading{60};
@@ -59,6 +59,15 @@ UpstreamConfiguration configurationOf(const Options& options) {
             .authorities = authorities};
 }
 
+// Those that have been named.
+std::vector<UpstreamOptions> upstreamsOf(const Options& options) {
+    return options.upstreams.empty() ? std::vector<UpstreamOptions>{options} : options.upstreams;
+}
+
+bool searchesForModel(const Options& options) {
+    return options.upstream.empty() && options.upstreams.empty();
+}
+
 // Looks for a model before it returns; that it looks again is up to the caller.
 std::unique_ptr<FoundModels> findModels(const Options& options, const Log& log) {
     auto found = std::make_unique<FoundModels>(configurationOf(options), log);
@@ -71,7 +80,10 @@ std::unique_ptr<FoundModels> findModels(const Options& options, const Log& log) 
 std::unique_ptr<TranslationEngine> makeEngine(const Options& options) {
     if (options.upstream == Options::gloss)
         return std::make_unique<Gloss>();
-    return std::make_unique<Upstream>(configurationOf(options));
+    std::vector<Upstreams::Choice> choices;
+    for (const UpstreamOptions& each : upstreamsOf(options))
+        choices.push_back({configurationOf(each), each.weight});
+    return std::make_unique<Upstreams>(std::move(choices));
 }
 
 std::unique_ptr<Server> makeServer(const TranslationEngine& engine, const Options& options, const Log& log) {
@@ -94,7 +106,7 @@ void toStandardError(const std::string& line) {
 void serve(const Options& options) {
     raiseDescriptorLimit();
     const Log log(toStandardError);
-    const auto found = options.upstream.empty() ? findModels(options, log) : nullptr;
+    const auto found = searchesForModel(options) ? findModels(options, log) : nullptr;
     const auto chosen = found ? nullptr : makeEngine(options);
     const TranslationEngine& engine = found ? *found : *chosen;
     const auto server = makeServer(engine, options, log);
@@ -104,7 +116,10 @@ void serve(const Options& options) {
     if (found)
         asio::co_spawn(server->context(), found->keepLooking(), asio::detached);
     const auto model = found ? found->model() : std::nullopt;
-    const std::string upstream = model ? model->url : found ? Options::gloss : options.upstream;
+    std::string upstream = model ? model->url : found ? Options::gloss : "";
+    if (!found)
+        for (const UpstreamOptions& each : upstreamsOf(options))
+            upstream += (upstream.empty() ? "" : ", ") + each.upstream;
     log.write("started", {{"listen", address(options.host, port)}, {"upstream", upstream}});
     if (model)
         std::cout
@@ -118,14 +133,23 @@ void serve(const Options& options) {
 
 bool check(const Options& options) {
     const Log silent([](const std::string&) {});
-    const auto found = options.upstream.empty() ? findModels(options, silent) : nullptr;
-    const auto chosen = found ? nullptr : makeEngine(options);
+    const auto found = searchesForModel(options) ? findModels(options, silent) : nullptr;
+    if (!found && options.upstream != Options::gloss) {
+        bool isWell = true;
+        for (const UpstreamOptions& each : upstreamsOf(options)) {
+            std::cout << each.upstream << (each.model.empty() ? "" : ", " + each.model) << ":\n";
+            isWell = checkUpstream(Upstream(configurationOf(each)), options.requestTime, std::cout) && isWell;
+        }
+        return isWell;
+    }
     if (found && found->model())
         std::cout << "Found the model " << found->model()->name << " at " << found->model()->url << ".\n";
     else if (found)
         std::cout << "There is no model server on this computer: the built-in gloss answers.\n"
                      "Start one, or name one by --upstream URL.\n";
-    return checkUpstream(found ? *found : *chosen, options.requestTime, std::cout);
+    const Gloss gloss;
+    const TranslationEngine& engine = found ? static_cast<const TranslationEngine&>(*found) : gloss;
+    return checkUpstream(engine, options.requestTime, std::cout);
 }
 
 } // namespace
