@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 
 namespace lumarin::service {
 namespace {
@@ -20,6 +21,18 @@ void single(std::string& out, const std::string& name, const char* type, const s
             const std::string& value) {
     head(out, name, type, help);
     out += name + " " + value + "\n";
+}
+
+// A line for each model server, which are numbered from 1 on: their addresses are nobody's business.
+template <typename Value>
+void each(std::string& out, const std::string& name, const char* type, const std::string& help,
+          const std::vector<TranslationEngine::Health>& upstreams, Value value) {
+    if (upstreams.empty())
+        return;
+    head(out, name, type, help);
+    for (std::size_t index = 0; index < upstreams.size(); ++index)
+        out += name + "{upstream=\"" + std::to_string(index + 1) + "\"} "
+               + std::to_string(std::invoke(value, upstreams[index])) + "\n";
 }
 
 } // namespace
@@ -56,6 +69,13 @@ std::string Metrics::text(const Gauges& gauges) const {
            std::to_string(gauges.refusedConnections));
     single(out, "lumarin_certificate_expiry_timestamp_seconds", "gauge",
            "When the certificate expires, in seconds since 1970.", number(gauges.certificateExpiry));
+    using Health = TranslationEngine::Health;
+    each(out, "lumarin_upstream_up", "gauge", "Whether the model server answered when last asked.",
+         gauges.upstreams, [](const Health& health) { return health.isWell ? 1 : 0; });
+    each(out, "lumarin_upstream_translations_total", "counter",
+         "Translations that the model server has begun.", gauges.upstreams, &Health::translations);
+    each(out, "lumarin_upstream_failures_total", "counter",
+         "Translations that the model server has not begun.", gauges.upstreams, &Health::failures);
     return out;
 }
 

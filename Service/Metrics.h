@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace lumarin::service {
 
@@ -19,6 +20,7 @@ public:
         std::size_t refusedConnections = 0;
         std::size_t translations = 0;
         double certificateExpiry = 0; // Seconds since 1970.
+        std::vector<TranslationEngine::Health> upstreams = {};
     };
 
     void count(const Exchange& exchange);

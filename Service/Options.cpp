@@ -18,7 +18,8 @@ Where translations come from:
   --upstream URL       the base address of a server that speaks the
                        chat-completions protocol, such as
                        http://127.0.0.1:8000/v1; over https its certificate is
-                       checked, plain http goes to whatever address you name
+                       checked, plain http goes to whatever address you name;
+                       gloss for the built-in gloss
   --model NAME         the model to ask it for
   --key-file FILE      a file that holds the key it wants, readable by you alone
   --upstream-authority FILE
@@ -26,10 +27,21 @@ Where translations come from:
                        system's
   --parameters JSON    more members of each request to it, such as
                        {"temperature": 0}
-  --timeout SECONDS    the longest time it may say nothing (default 8); with
-                       more, Lumarin is kept waiting as long as it takes
+  --timeout SECONDS    the longest time it may say nothing (default 8; 60 for a
+                       model that was found); with more, Lumarin is kept
+                       waiting as long as it takes
+  --upstreams LIST     several model servers, best kept in the file of --config:
+                       [{"upstream": URL, "model": NAME, "weight": 2}, ...]
+                       with any of the above in each. Those with a weight share
+                       the translations; the others are asked, in their order,
+                       when those fail
+  --check              have it translate one sentence, say what came and how
+                       fast or what to mend, and end; status 1 if it failed
 
-Without --upstream the text is put into English by a built-in gloss of Chinese,
+Without --upstream it looks on this computer's loopback for the usual model
+servers and takes the first that offers a model to chat with (or the one that
+--model names), also one that starts later. Until there is any, and with
+--upstream gloss, the text is put into English by a built-in gloss of Chinese,
 word by word from a table of trade terms and common phrases. It needs no
 network, lets you try Lumarin, and is no match for a translator; what it does
 not know passes through unchanged.
@@ -84,7 +96,7 @@ std::filesystem::path defaultCertificate() {
 }
 
 // What stands on the command line alone, beside the settings.
-enum : int { config = 1000, help, addClient, removeClient };
+enum : int { config = 1000, checkOnly, help, addClient, removeClient };
 
 // A line for each setting, numbered from 1 on in their order, and for the options that are none.
 std::vector<option> knownOptions() {
@@ -92,6 +104,7 @@ std::vector<option> knownOptions() {
     for (const Setting& setting : settings())
         known.push_back({setting.name, required_argument, nullptr, static_cast<int>(known.size()) + 1});
     known.push_back({"config", required_argument, nullptr, config});
+    known.push_back({"check", no_argument, nullptr, checkOnly});
     known.push_back({"help", no_argument, nullptr, help});
     known.push_back({"add-client", required_argument, nullptr, addClient});
     known.push_back({"remove-client", required_argument, nullptr, removeClient});
@@ -117,8 +130,14 @@ void checkAppcast(const Options& options) {
 }
 
 Options finished(Options options) {
-    if (options.upstream.empty() && !options.needsUpstream.empty())
-        throw OptionError("--" + options.needsUpstream + " is of no use without --upstream.");
+    const std::string& ofOne = options.needsAddress.empty() ? options.needsModel : options.needsAddress;
+    if (!options.upstreams.empty() && !ofOne.empty())
+        throw OptionError("--" + ofOne + " has to be said of each of --upstreams, within it.");
+    const bool isGloss = options.upstream == Options::gloss;
+    if (options.upstreams.empty() && (options.upstream.empty() || isGloss) && !options.needsAddress.empty())
+        throw OptionError("--" + options.needsAddress + " is of no use without the address of --upstream.");
+    if (isGloss && !options.needsModel.empty())
+        throw OptionError("--" + options.needsModel + " is of no use with --upstream gloss.");
     if (options.certificate.empty())
         options.certificate = defaultCertificate();
     if (options.tokens.empty() && !(options.addClient + options.removeClient).empty())
@@ -147,6 +166,8 @@ Options parseOptions(int count, char* const* arguments) {
         }
         if (found == config)
             setFromFile(options, optarg);
+        else if (found == checkOnly)
+            options.check = true;
         else if (found == help)
             options.help = true;
         else if (found == addClient)

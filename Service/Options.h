@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -11,19 +12,28 @@
 
 namespace lumarin::service {
 
+// A model server and how to ask it.
+struct UpstreamOptions {
+    static constexpr const char* gloss = "gloss";
+
+    std::string
+        upstream; // Empty for a model of this computer, if there is one; `gloss` for the built-in one.
+    std::string model;
+    std::string key;                         // The content of --key-file.
+    std::filesystem::path upstreamAuthority; // Empty for none.
+    nlohmann::json parameters = nlohmann::json::object();
+    std::optional<std::chrono::seconds> timeout;
+    int weight = 0; // Its share among several.
+};
+
 // What the operator asks for, on the command line and in the configuration file.
-struct Options {
+struct Options : UpstreamOptions {
     std::string host = "127.0.0.1";
     std::uint16_t port = 8443; // 0: any free one.
     std::filesystem::path certificate;
     std::vector<std::string> names; // Besides localhost and the loopback addresses.
 
-    std::string upstream; // Empty for the built-in gloss.
-    std::string model;
-    std::string key;                         // The content of --key-file.
-    std::filesystem::path upstreamAuthority; // Empty for none.
-    nlohmann::json parameters = nlohmann::json::object();
-    std::chrono::seconds timeout{8};
+    std::vector<UpstreamOptions> upstreams; // Several, instead of the one.
 
     // Translations a minute and at once; zero is no limit.
     int rate = 6000;
@@ -42,7 +52,10 @@ struct Options {
     std::string removeClient;     // Whom to take it away from.
 
     std::vector<std::filesystem::path> secretFiles; // That have been named, and may not be served.
-    std::string needsUpstream;                      // An option that has been used.
+    // Options that have been used, and mean nothing without an address, or to the gloss.
+    std::string needsAddress;
+    std::string needsModel;
+    bool check = false;
     bool help = false;
 };
 

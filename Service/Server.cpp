@@ -142,12 +142,12 @@ asio::awaitable<void> Server::answerKnown(Exchange& exchange) {
     } else if (exchange.endpoint == metricsPath) {
         exchange.answer(
             200, metricsText,
-            metrics.text(
-                {.connections = server.openConnections(),
-                 .refusedConnections = server.refusedConnections(),
-                 .translations = limits.underWay(),
-                 .certificateExpiry =
-                     std::chrono::duration<double>(certificates.expiry().time_since_epoch()).count()}));
+            metrics.text({.connections = server.openConnections(),
+                          .refusedConnections = server.refusedConnections(),
+                          .translations = limits.underWay(),
+                          .certificateExpiry =
+                              std::chrono::duration<double>(certificates.expiry().time_since_epoch()).count(),
+                          .upstreams = engine.health()}));
     } else {
         const auto path = std::string_view(exchange.request().path).substr(appcastPath.size());
         if (const auto file = appcast ? appcast->find(path) : std::nullopt)

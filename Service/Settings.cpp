@@ -59,13 +59,18 @@ void setNames(Options& options, const std::string& value) {
 }
 
 void setUpstream(Options& options, const std::string& value) {
+    options.upstreams.clear();
+    if (value == Options::gloss) {
+        options.upstream = value;
+        return;
+    }
     try {
         const platform::CurlAddress address(value, platform::CurlAddress::PlainHTTP::everywhere);
         if (address.url.find_first_of("?#@") != std::string::npos)
             throw platform::HTTPError("It may hold no name, no key and no query.");
         options.upstream = address.url;
     } catch (const platform::HTTPError& error) {
-        throw OptionError("takes a base address such as http://127.0.0.1:8000/v1. "
+        throw OptionError("takes gloss or a base address such as http://127.0.0.1:8000/v1. "
                           + std::string(error.what()));
     }
     // Many a server's description names the whole address.
@@ -125,22 +130,23 @@ void setNumber(Options& options, const std::string& value) {
     options.*field = number(value, least, most);
 }
 
-template <std::chrono::seconds Options::*field, int most>
+template <auto field, int most>
 void setSeconds(Options& options, const std::string& value) {
     options.*field = std::chrono::seconds(number(value, 1, most));
 }
 
 constexpr int million = 1'000'000;
 
-constexpr bool ofUpstream = true;
+using Need = Setting::Need;
 
 constexpr auto all = std::to_array<Setting>({
     {"upstream", Setting::Kind::text, setUpstream},
-    {"model", Setting::Kind::text, setModel, ofUpstream},
-    {"key-file", Setting::Kind::path, setKeyFile, ofUpstream},
-    {"upstream-authority", Setting::Kind::path, setAuthority, ofUpstream},
-    {"parameters", Setting::Kind::object, setParameters, ofUpstream},
-    {"timeout", Setting::Kind::number, setSeconds<&Options::timeout, 3600>, ofUpstream},
+    {"model", Setting::Kind::text, setModel, Need::model},
+    {"key-file", Setting::Kind::path, setKeyFile, Need::address},
+    {"upstream-authority", Setting::Kind::path, setAuthority, Need::address},
+    {"parameters", Setting::Kind::object, setParameters, Need::model},
+    {"timeout", Setting::Kind::number, setSeconds<&Options::timeout, 3600>, Need::model},
+    {"upstreams", Setting::Kind::upstreams, nullptr},
     {"listen", Setting::Kind::text, setListen},
     {"certificate", Setting::Kind::path,
      [](Options& options, const std::string& value) { options.certificate = value; }},
@@ -169,6 +175,8 @@ std::string textOf(const nlohmann::json& value, Setting::Kind kind) {
         if (value.is_object())
             return value.dump();
         throw OptionError("has to be an object.");
+    case Setting::Kind::upstreams:
+        return value.dump();
     case Setting::Kind::text:
     case Setting::Kind::path:
         break;
@@ -178,15 +186,66 @@ std::string textOf(const nlohmann::json& value, Setting::Kind kind) {
     return value.get<std::string>();
 }
 
+const Setting& settingOf(const std::string& name) {
+    const auto setting =
+        std::ranges::find(all, name, [](const Setting& each) { return std::string(each.name); });
+    if (setting == all.end())
+        throw OptionError("is not known; see --help.");
+    return *setting;
+}
+
+void set(Options& options, const Setting& setting, const std::string& value,
+         const std::filesystem::path& folder);
+
+// One of several model servers: what it may say is what could be said of the only one, and its weight.
+void addUpstream(Options& options, const nlohmann::json& server, const std::filesystem::path& folder) {
+    constexpr int mostWeight = 1000;
+    Options one;
+    for (const auto& [name, value] : server.items()) {
+        try {
+            if (name == "weight") {
+                one.weight = number(textOf(value, Setting::Kind::number), 0, mostWeight);
+                continue;
+            }
+            const Setting& setting = settingOf(name);
+            if (name != "upstream" && setting.need == Need::nothing)
+                throw OptionError("is nothing to say of one model server.");
+            set(one, setting, textOf(value, setting.kind), folder);
+        } catch (const OptionError& error) {
+            throw OptionError("has a \"" + name + "\" that " + error.what());
+        }
+    }
+    if (one.upstream.empty() || one.upstream == Options::gloss)
+        throw OptionError("needs the address of each as \"upstream\".");
+    options.upstreams.push_back(one);
+    options.secretFiles.insert(options.secretFiles.end(), one.secretFiles.begin(), one.secretFiles.end());
+}
+
+void setUpstreams(Options& options, const std::string& value, const std::filesystem::path& folder) {
+    const auto list = nlohmann::json::parse(value, nullptr, false);
+    if (!list.is_array() || list.empty()
+        || !std::ranges::all_of(list, [](const auto& server) { return server.is_object(); }))
+        throw OptionError("takes a list of objects.");
+    options.upstreams.clear();
+    options.upstream.clear();
+    for (const auto& server : list)
+        addUpstream(options, server, folder);
+}
+
 // Relative paths are relative to `folder`.
 void set(Options& options, const Setting& setting, const std::string& value,
          const std::filesystem::path& folder) {
     const bool isPath = setting.kind == Setting::Kind::path;
     if (isPath && value.empty())
         throw OptionError("names nothing.");
-    setting.set(options, isPath ? (folder / value).string() : value);
-    if (setting.needsUpstream)
-        options.needsUpstream = setting.name;
+    if (setting.kind == Setting::Kind::upstreams)
+        setUpstreams(options, value, folder);
+    else
+        setting.set(options, isPath ? (folder / value).string() : value);
+    if (setting.need == Need::address)
+        options.needsAddress = setting.name;
+    if (setting.need == Need::model)
+        options.needsModel = setting.name;
 }
 
 // "line 3, column 7" of a position in a text, counted from 1 on.
@@ -245,12 +304,11 @@ void setFromFile(Options& options, const std::filesystem::path& file) {
     options.secretFiles.push_back(file);
     const auto folder = std::filesystem::absolute(file).parent_path();
     for (const auto& [name, value] : config.items()) {
-        const auto setting =
-            std::ranges::find(all, name, [](const Setting& each) { return std::string(each.name); });
         try {
-            if (setting == all.end())
-                throw OptionError("is not known; see --help.");
-            set(options, *setting, textOf(value, setting->kind), folder);
+            const Setting& setting = settingOf(name);
+            if (name == "upstreams" && config.contains("upstream"))
+                throw OptionError("stands beside \"upstream\"; one of them has to go.");
+            set(options, setting, textOf(value, setting.kind), folder);
         } catch (const OptionError& error) {
             throw OptionError("\"" + name + "\" in " + file.string() + " " + error.what());
         }

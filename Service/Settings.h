@@ -10,13 +10,14 @@ namespace lumarin::service {
 // One thing that can be chosen, under the same name on the command line and in the configuration file.
 struct Setting {
     // How it is written in the file; on the command line everything is text.
-    enum class Kind { text, path, number, object };
+    enum class Kind { text, path, number, object, upstreams };
 
     const char* name;
     Kind kind;
     // Takes the value as text. Throws an OptionError without saying which setting is meant.
     void (*set)(Options& options, const std::string& value);
-    bool needsUpstream = false; // Means nothing to the built-in gloss.
+    // What it means nothing without: the address of a model server, a model of any.
+    enum class Need { nothing, address, model } need = Need::nothing;
 };
 
 std::span<const Setting> settings();

@@ -2,9 +2,11 @@
 
 #include <boost/asio/awaitable.hpp>
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace lumarin::service {
 
@@ -58,6 +60,17 @@ public:
     // served; nothing has been answered at that point.
     virtual std::unique_ptr<Translation> begin(const TranslationRequest& request,
                                                Clock::time_point deadline) const = 0;
+
+    // What answers at the moment: a model's name, or what it is if it has none.
+    virtual std::string name() const = 0;
+
+    // Of each model server, in the order in which they were named.
+    struct Health {
+        bool isWell;
+        std::uint64_t translations; // That have begun.
+        std::uint64_t failures;
+    };
+    virtual std::vector<Health> health() const { return {}; }
 };
 
 } // namespace lumarin::service

@@ -18,6 +18,7 @@ public:
     // Refuses every target language but English.
     std::unique_ptr<Translation> begin(const TranslationRequest& request,
                                        Clock::time_point deadline) const override;
+    std::string name() const override { return "gloss"; }
 
     // The English text; `chinese` is well-formed UTF-8. A text without any Chinese comes back as it is.
     std::string text(std::string_view chinese) const;

@@ -30,6 +30,9 @@ public:
 
     std::unique_ptr<Translation> begin(const TranslationRequest& request,
                                        Clock::time_point deadline) const override;
+    std::string name() const override {
+        return configuration.model.empty() ? "model server" : configuration.model;
+    }
 
 private:
     std::string body(const TranslationRequest& request) const;

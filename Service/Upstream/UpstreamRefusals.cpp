@@ -34,7 +34,7 @@ Refusal failedTransfer(CURLcode code, const std::string& sentence) {
         return {gatewayTimeout, "The model server cannot be reached: it takes no connection.", "no upstream"};
     case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_SSL_CONNECT_ERROR:
-        return {badGateway, "The model server cannot be trusted. " + sentence, "no upstream"};
+        return {badGateway, "The model server cannot be trusted. " + sentence, "untrusted"};
     case CURLE_WRITE_ERROR:
         return {badGateway, "The model server’s response is too long.", "senseless answer"};
     case CURLE_UNSUPPORTED_PROTOCOL:
@@ -57,7 +57,7 @@ Refusal refusedByUpstream(int status, const std::string& model, std::string_view
         : status == notFound
             ? Refusal(badGateway,
                       "There is no chat-completions endpoint at the service’s --upstream" + number,
-                      "no upstream")
+                      "no endpoint")
         : status == tooManyRequests
             ? Refusal(tooManyRequests, "The model server has too much to do" + number, "upstream rate")
         : status == unavailable

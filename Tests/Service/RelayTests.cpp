@@ -133,7 +133,7 @@ TEST(Relay, SaysWhatIsWrongWithTheModelServer) {
         {refusing("401 Unauthorized"), 502, "refused the service’s key (401).", "refused key"},
         {refusing("403 Forbidden"), 502, "refused the service’s key (403).", "refused key"},
         {refusing("404 Not Found"), 502, "no chat-completions endpoint at the service’s --upstream (404)",
-         "no upstream"},
+         "no endpoint"},
         {refusing("404 Not Found", "", R"({"error": {"message": "?", "code": "model_not_found"}})"), 502,
          "does not know the model “model-1” (404).", "unknown model"},
         {refusing("400 Bad Request", "", R"({"error": "Model Not Exist"})"), 502,
