@@ -7,9 +7,9 @@ namespace platform::desktop {
 namespace {
 
 constexpr const char* service = "org.freedesktop.Notifications";
-constexpr const char* path = "/org/freedesktop/Notifications";
+constexpr const char* notificationsPath = "/org/freedesktop/Notifications";
 
-const Bundle& resources() {
+const Bundle& notificationTexts() {
     static const Bundle bundle(LUMARIN_RESOURCES);
     return bundle;
 }
@@ -19,7 +19,7 @@ using NotificationTest = SessionBusTest;
 TEST_F(NotificationTest, OneNoticeTakesThePlaceOfTheOther) {
     QStringList capabilities;
     std::vector<std::tuple<unsigned, QString, QString>> notices;
-    serve(service, path, [&](const QDBusMessage& message) -> QVariantList {
+    serve(service, notificationsPath, [&](const QDBusMessage& message) -> QVariantList {
         if (message.member() == "GetCapabilities")
             return {capabilities};
         const auto arguments = message.arguments();
@@ -29,7 +29,7 @@ TEST_F(NotificationTest, OneNoticeTakesThePlaceOfTheOther) {
                              arguments.at(4).toString());
         return {7U};
     });
-    DesktopNotifications notifications(program, resources());
+    DesktopNotifications notifications(program, notificationTexts());
     const auto tell = [&](const std::vector<const char*>& sentences, const QStringList& abilities) {
         capabilities = abilities;
         notices.clear();
@@ -46,13 +46,13 @@ TEST_F(NotificationTest, OneNoticeTakesThePlaceOfTheOther) {
 }
 
 TEST_F(NotificationTest, ComesOnceThereIsAServerAndDoesNoHarmBefore) {
-    DesktopNotifications(QDBusConnection("none"), resources()).deliver("nobody");
-    DesktopNotifications notifications(program, resources());
+    DesktopNotifications(QDBusConnection("none"), notificationTexts()).deliver("nobody");
+    DesktopNotifications notifications(program, notificationTexts());
     notifications.deliver("too early");
     for (int turn = 0; turn < 20; ++turn)
         QCoreApplication::processEvents();
     int notices = 0;
-    serve(service, path, [&](const QDBusMessage& message) -> QVariantList {
+    serve(service, notificationsPath, [&](const QDBusMessage& message) -> QVariantList {
         notices += message.member() == "Notify";
         return message.member() == "Notify" ? QVariantList{1U} : QVariantList{QStringList()};
     });
