@@ -128,9 +128,9 @@ std::string directRequest(const std::string& name) {
                 name);
 }
 
-std::string relayedRequest(const std::string& name) {
+std::string relayedRequest(const std::string& name, const std::string& padding = "") {
     return post("/v1/translate",
-                R"({"text":"name )" + name
+                R"({"text":"name )" + name + padding
                     + R"(","system_prompt":"p","target_language":"EN","style":"formal","stream":true})",
                 name);
 }
@@ -325,7 +325,9 @@ public:
               std::deque<Connection> clients;
               for (int number = 0; !stop.stop_requested(); ++number) {
                   constexpr int room = 4096;
-                  const std::string request = relayedRequest("slow" + std::to_string(number));
+                  // A text so long that the answer is not taken for an endless one.
+                  const std::string padding(60'000, 'a');
+                  const std::string request = relayedRequest("slow" + std::to_string(number), padding);
                   clients.emplace_back(port, context, room)
                       .send(number % 2 == 0 ? request : request.substr(0, request.size() - 5));
                   if (clients.size() <= count)

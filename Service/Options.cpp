@@ -35,6 +35,10 @@ Where translations come from:
                        with any of the above in each. Those with a weight share
                        the translations; the others are asked, in their order,
                        when those fail
+  --prompt client|fixed
+                       whose instruction the model follows: the client's, with
+                       its style and terms (the default), or a fixed one, so
+                       that nobody has it do anything but translate
   --check              have it translate one sentence, say what came and how
                        fast or what to mend, and end; status 1 if it failed
 

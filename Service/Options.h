@@ -45,6 +45,8 @@ struct Options : UpstreamOptions {
     int connections = 1000;
     std::chrono::seconds requestTime{300};
 
+    bool hasFixedPrompt = false; // What clients have the model told is not heeded.
+
     std::filesystem::path appcast; // Empty for none.
 
     std::filesystem::path tokens; // Empty: everybody is served.

@@ -58,8 +58,8 @@ void refuse(const Refusal& refusal, Exchange& exchange) {
 // By what a request is counted where it has no token.
 std::string deviceOf(const Exchange& exchange) {
     const std::string name = exchange.request().value("X-Device-ID");
-    return name.empty() ? "address " + exchange.place().address
-                        : "device " + name.substr(0, longestDeviceName);
+    // Whoever takes somebody else's name from elsewhere takes none of their share.
+    return "device " + exchange.place().address + " " + name.substr(0, longestDeviceName);
 }
 
 // What is wrong with the announcement of a request's body, as a status; zero if nothing is. One that could be
@@ -75,7 +75,18 @@ int faultOfBody(const Request& request) {
     if (lengths + encodings > 1 || (lengths == 1 && !isNumber)
         || (encodings == 1 && ::strcasecmp(request.value("Transfer-Encoding").c_str(), "chunked") != 0))
         return 400;
+    // No web page can say this without asking first, which nobody here answers.
+    const std::string type = request.value("Content-Type");
+    const bool isJson =
+        ::strcasecmp(type.substr(0, type.find_first_of("; \t")).c_str(), "application/json") == 0;
+    if (request.count("Content-Type") > 0 && !isJson)
+        return 415;
     return lengths == 1 && std::stoull(length) > RequestReader::longestBody ? 413 : 0;
+}
+
+// Whether a page of somebody else's makes a browser ask, at the expense of whoever pays for the model.
+bool isFromForeignPage(const Request& request) {
+    return request.count("Origin") > 0 && request.value("Origin") != "https://" + request.value("Host");
 }
 
 TranslationRequest parse(AnswerForm form, const std::string& body) {
@@ -86,6 +97,7 @@ TranslationRequest parse(AnswerForm form, const std::string& body) {
 
 Server::Server(const TranslationEngine& chosen, const Options& options, const Log& events)
     : engine(chosen),
+      hasFixedPrompt(options.hasFixedPrompt),
       log(events),
       limits({.perMinute = options.rate, .atOnce = options.atOnce},
              {.perMinute = options.addressRate, .atOnce = options.addressAtOnce},
@@ -106,7 +118,8 @@ asio::awaitable<void> Server::answer(Exchange& exchange) {
     exchange.endpoint = endpointOf(request.path);
     const bool isTranslation = exchange.endpoint == streamPath || exchange.endpoint == wholePath;
     const bool isPost = isTranslation && request.method == "POST";
-    const int fault = isPost ? faultOfBody(request) : 0;
+    const bool hasBody = request.announcesBody() && (request.method == "GET" || request.method == "HEAD");
+    const int fault = isFromForeignPage(request) ? 403 : isPost ? faultOfBody(request) : hasBody ? 400 : 0;
     try {
         if (isPost && fault == 0) {
             co_await translate(exchange.endpoint == streamPath ? AnswerForm::stream : AnswerForm::whole,
@@ -127,8 +140,9 @@ asio::awaitable<void> Server::answer(Exchange& exchange) {
         if (!exchange.hasBegun())
             exchange.status = clientClosedRequest;
         exchange.fail(abandoned);
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
         exchange.failure = "fault";
+        exchange.failureDetail = error.what();
         if (!exchange.hasBegun())
             exchange.refuse(500);
     }
@@ -189,6 +203,8 @@ asio::awaitable<void> Server::translate(AnswerForm form, Exchange& exchange) {
         wanted = parse(form, body);
     else
         co_await inBackground(server.pool(), [&] { wanted = parse(form, body); });
+    if (hasFixedPrompt)
+        wanted.systemPrompt.clear();
     TranslationAnswer answer(form, engine.begin(wanted, exchange.deadline), std::move(pass), exchange);
     co_await answer.give();
 }

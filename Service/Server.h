@@ -48,6 +48,7 @@ private:
     void report(const Exchange& exchange);
 
     const TranslationEngine& engine;
+    const bool hasFixedPrompt;
     const Log& log;
     std::optional<FileFolder> appcast;
     std::optional<Tokens> tokens;

@@ -85,6 +85,12 @@ void setModel(Options& options, const std::string& value) {
     options.model = value;
 }
 
+void setPrompt(Options& options, const std::string& value) {
+    if (value != "client" && value != "fixed")
+        throw OptionError("takes client or fixed, not \"" + value + "\".");
+    options.hasFixedPrompt = value == "fixed";
+}
+
 std::string readFile(const std::string& path) {
     const auto result = files::read(path);
     if (result.status != files::ReadStatus::read)
@@ -147,6 +153,7 @@ constexpr auto all = std::to_array<Setting>({
     {"parameters", Setting::Kind::object, setParameters, Need::model},
     {"timeout", Setting::Kind::number, setSeconds<&Options::timeout, 3600>, Need::model},
     {"upstreams", Setting::Kind::upstreams, nullptr},
+    {"prompt", Setting::Kind::text, setPrompt},
     {"listen", Setting::Kind::text, setListen},
     {"certificate", Setting::Kind::path,
      [](Options& options, const std::string& value) { options.certificate = value; }},

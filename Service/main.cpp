@@ -1,3 +1,4 @@
+#include "Platform/Network/CurlAddress.h"
 #include "Service/FoundModels.h"
 #include "Service/Gloss/Gloss.h"
 #include "Service/Options.h"
@@ -103,9 +104,20 @@ void toStandardError(const std::string& line) {
     std::cerr << line + "\n";
 }
 
+void warnOfOpenKeys(const Options& options, const Log& log) {
+    for (const UpstreamOptions& each : upstreamsOf(options))
+        if (!each.key.empty() && each.upstream.starts_with("http:")
+            && !platform::CurlAddress(each.upstream, platform::CurlAddress::PlainHTTP::everywhere).isLoopback)
+            log.write("warning",
+                      {{"upstream", each.upstream},
+                       {"detail", "The key is sent over plain http: whoever is on the way can read "
+                                  "it. Use https."}});
+}
+
 void serve(const Options& options) {
     raiseDescriptorLimit();
     const Log log(toStandardError);
+    warnOfOpenKeys(options, log);
     const auto found = searchesForModel(options) ? findModels(options, log) : nullptr;
     const auto chosen = found ? nullptr : makeEngine(options);
     const TranslationEngine& engine = found ? *found : *chosen;

@@ -1,5 +1,8 @@
 #include "Service/HTTPS/Connections.h"
 
+#include <algorithm>
+#include <cstdint>
+
 namespace lumarin::service {
 namespace {
 
@@ -12,7 +15,18 @@ void shutDown(tcp::socket& socket, tcp::socket::shutdown_type what) {
 std::string addressOf(const tcp::socket& socket) {
     boost::system::error_code error;
     const auto client = socket.remote_endpoint(error);
-    return error ? std::string() : client.address().to_string();
+    if (error)
+        return {};
+    auto address = client.address();
+    if (address.is_v4())
+        return address.to_string();
+    const auto whole = address.to_v6();
+    if (whole.is_v4_mapped())
+        return asio::ip::make_address_v4(asio::ip::v4_mapped, whole).to_string();
+    // Who has one address of a network of 64 bits has all of them.
+    auto bytes = whole.to_bytes();
+    std::fill(bytes.begin() + bytes.size() / 2, bytes.end(), std::uint8_t{0});
+    return asio::ip::address_v6(bytes).to_string() + "/64";
 }
 
 } // namespace

@@ -16,11 +16,13 @@ using namespace std::chrono_literals;
 constexpr std::chrono::seconds bodyTime = 30s;
 
 const char* usualSentence(int status) {
-    return status == 404   ? "There is nothing at this address."
+    return status == 403   ? "A web page of another site may not ask."
+           : status == 404 ? "There is nothing at this address."
            : status == 405 ? "This address does not answer this method."
            : status == 411 ? "The request does not say how long it is."
            : status == 413 ? "The text is too long: a request may have 1 MiB."
            : status == 414 ? "The address is too long."
+           : status == 415 ? "The body has to be application/json."
            : status == 500 ? "The service failed."
                            : "The request cannot be understood.";
 }

@@ -101,7 +101,7 @@ void ChatStream::checkEnd() {
 void ChatStream::checkSense() const {
     if (hasData)
         return;
-    if (const json said = json::parse(strange, nullptr, false); isError(said))
+    if (const json said = parseEventData(strange); isError(said))
         throw failedUpstream(UpstreamError::in(said));
     throw senselessUpstream();
 }

@@ -1,5 +1,6 @@
 #include "Service/Upstream/EventData.h"
 
+#include "Platform/Foundation/Json.h"
 #include "Platform/Foundation/Text.h"
 
 #include <charconv>
@@ -41,6 +42,8 @@ std::string withoutHalves(std::string_view payload) {
 } // namespace
 
 nlohmann::json parseEventData(std::string_view data) {
+    if (platform::isTooDeep(data))
+        return nlohmann::json::value_t::discarded;
     const auto parsed = nlohmann::json::parse(data, nullptr, false);
     return parsed.is_discarded() ? nlohmann::json::parse(withoutHalves(data), nullptr, false) : parsed;
 }

@@ -7,7 +7,8 @@ namespace lumarin::service {
 
 std::unique_ptr<Translation> Upstream::begin(const TranslationRequest& request,
                                              Clock::time_point deadline) const {
-    return std::make_unique<UpstreamTransfer>(configuration, connections, body(request), deadline);
+    return std::make_unique<UpstreamTransfer>(configuration, connections, body(request), request.text.size(),
+                                              deadline);
 }
 
 std::string Upstream::body(const TranslationRequest& request) const {

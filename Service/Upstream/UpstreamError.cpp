@@ -1,6 +1,7 @@
 #include "Service/Upstream/UpstreamError.h"
 
 #include "Platform/Foundation/Text.h"
+#include "Service/Upstream/EventData.h"
 
 #include <algorithm>
 #include <array>
@@ -19,8 +20,31 @@ json member(const json& object, const char* name) {
     return found != object.end() ? *found : json();
 }
 
+// Some servers quote in their words the key they were given, or whose it is: that is not for everybody.
+std::string withoutSecrets(std::string_view text) {
+    constexpr auto beginnings = std::to_array<std::string_view>({"sk-", "org-", "proj-", "proj_", "key-"});
+    const auto isOfWord = [](unsigned char c) {
+        return std::isalnum(c) != 0 || c == '-' || c == '_' || c == '*';
+    };
+    std::string result;
+    while (!text.empty()) {
+        const auto end = std::ranges::find_if_not(text, isOfWord);
+        const auto word = text.substr(0, static_cast<std::size_t>(end - text.begin()));
+        const bool isSecret =
+            std::ranges::any_of(beginnings, [&](auto beginning) { return word.starts_with(beginning); });
+        result += isSecret ? "…" : word;
+        text.remove_prefix(word.size());
+        if (!text.empty())
+            result += text.front();
+        text.remove_prefix(std::min<std::size_t>(text.size(), 1));
+    }
+    return result;
+}
+
 std::string string(const json& value) {
-    return value.is_string() ? platform::text::prefix(value.get<std::string>(), longestQuotation) : "";
+    return value.is_string()
+               ? platform::text::prefix(withoutSecrets(value.get<std::string>()), longestQuotation)
+               : "";
 }
 
 std::string lowerCase(std::string text) {
@@ -29,6 +53,10 @@ std::string lowerCase(std::string text) {
 }
 
 } // namespace
+
+UpstreamError UpstreamError::in(std::string_view said) {
+    return in(parseEventData(said));
+}
 
 UpstreamError UpstreamError::in(const json& said) {
     const json error = member(said, "error");

@@ -15,7 +15,7 @@ struct UpstreamError {
 
     static UpstreamError in(const nlohmann::json& said);
     // Of a text that may be no JSON.
-    static UpstreamError in(std::string_view said) { return in(nlohmann::json::parse(said, nullptr, false)); }
+    static UpstreamError in(std::string_view said);
 
     // Whether the model asked for is not one of the server's.
     bool isAboutUnknownModel(int status) const;

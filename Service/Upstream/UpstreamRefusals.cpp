@@ -87,6 +87,10 @@ Refusal silentUpstream(std::chrono::seconds silence) {
             "The model server said nothing for " + std::to_string(silence.count()) + " seconds.", "time-out"};
 }
 
+Refusal endlessUpstream() {
+    return {badGateway, "The model goes on far longer than the text.", "broken off"};
+}
+
 Refusal slowUpstream() {
     return {gatewayTimeout, "The model server took too long for this text.", "time-out"};
 }

@@ -26,5 +26,6 @@ Refusal failedUpstream(const UpstreamError& error);
 Refusal senselessUpstream();
 Refusal silentUpstream(std::chrono::seconds silence);
 Refusal slowUpstream();
+Refusal endlessUpstream();
 
 } // namespace lumarin::service

@@ -16,18 +16,22 @@ constexpr long ok = 200;
 constexpr auto connectTime = 5s;
 constexpr std::size_t longestAnswer = std::size_t{16} * 1024 * 1024;
 constexpr std::size_t enoughOfARefusal = std::size_t{64} * 1024;
+// No translation is so much longer than its text: a model that goes on has lost its way.
+constexpr std::size_t shortTranslation = std::size_t{16} * 1024;
+constexpr std::size_t mostGrowth = 16;
 // So much time for the end of an answer that is complete saves the connection for the next one.
 constexpr auto graceForTheEnd = 20ms;
 
 } // namespace
 
 UpstreamTransfer::UpstreamTransfer(const UpstreamConfiguration& configuration, UpstreamConnections& pool,
-                                   std::string json, Clock::time_point end)
+                                   std::string json, std::size_t textLength, Clock::time_point end)
     : settings(configuration),
       connections(pool),
       deadline(end),
       body(std::move(json)),
       address(configuration.url + "/chat/completions", platform::CurlAddress::PlainHTTP::everywhere),
+      roomLeft(shortTranslation + mostGrowth * textLength),
       easy(curl_easy_init()),
       connection(pool.take()) {
     if (!easy)
@@ -46,8 +50,12 @@ UpstreamTransfer::~UpstreamTransfer() {
 
 Progress UpstreamTransfer::next() {
     for (bool hasLooked = false;; hasLooked = true) {
-        if (auto piece = stream.next())
+        if (auto piece = stream.next()) {
+            if (piece->size() > roomLeft)
+                throw endlessUpstream();
+            roomLeft -= piece->size();
             return {Progress::Kind::piece, std::move(*piece)};
+        }
         if (stream.isComplete())
             return {};
         checkAnswer();

@@ -16,9 +16,9 @@ namespace lumarin::service {
 // complete.
 class UpstreamTransfer final : public Translation {
 public:
-    // `configuration` and `pool` outlive the transfer. Throws a Refusal.
+    // `configuration` and `pool` outlive the transfer. `textLength` in bytes. Throws a Refusal.
     UpstreamTransfer(const UpstreamConfiguration& configuration, UpstreamConnections& pool, std::string json,
-                     Clock::time_point end);
+                     std::size_t textLength, Clock::time_point end);
     ~UpstreamTransfer() override;
     UpstreamTransfer(const UpstreamTransfer&) = delete;
     UpstreamTransfer& operator=(const UpstreamTransfer&) = delete;
@@ -52,6 +52,7 @@ private:
     ChatStream stream;
     std::string refusal; // The body of an answer other than success.
     std::size_t received = 0;
+    std::size_t roomLeft; // For pieces, in bytes.
     Clock::time_point lastByte = Clock::now();
     std::optional<CURLcode> result;
     std::array<char, CURL_ERROR_SIZE> detail{};

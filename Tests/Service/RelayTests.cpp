@@ -45,11 +45,13 @@ struct Relay {
           service(upstream, adjust) {}
 
     // `onPiece` may end the request by returning false.
-    httplib::Result stream(const std::function<bool(std::string)>& onPiece = {}) const {
+    httplib::Result stream(const std::function<bool(std::string)>& onPiece = {},
+                           const std::string& text = "样品") const {
         httplib::Request request;
         request.method = "POST";
         request.path = "/v1/translate";
-        request.body = RunningService::streamRequest("样品").dump();
+        request.set_header("Content-Type", json);
+        request.body = RunningService::streamRequest(text).dump();
         if (onPiece)
             request.content_receiver = [&](const char* data, std::size_t size, auto...) {
                 return onPiece({data, size});
@@ -144,6 +146,14 @@ TEST(Relay, SaysWhatIsWrongWithTheModelServer) {
          "refused request"},
         {refusing("200 OK", "", "{\n\"error\": {\"message\": \"no luck\"}}"), 502, "failed. It says: no luck",
          "upstream error"},
+        {refusing("400 Bad Request", "", R"({"error": "no luck for sk-1234 of org-abc."})"), 502,
+         "It says: no luck for … of ….", "refused request"},
+        {saying(streamHead + chunk("data: " + std::string(500'000, '[') + "\n\n") + done), 502,
+         "makes no sense", "senseless answer"},
+        {saying(answer("500 Oh", "", R"({"error":)" + std::string(60'000, '['))), 502, "failed (500).",
+         "upstream error"},
+        {saying(streamHead + piece(std::string(20'000, 'x')) + done), 502, "goes on far longer",
+         "broken off"},
         {refusing("429 Too Many Requests", "Retry-After: 7\r\n"), 429, "It says: no luck", "upstream rate"},
         {refusing("400 Bad Request"), 502, "refused the request (400). It says: no luck", "refused request"},
         {refusing("500 Internal Server Error"), 502, "failed (500). It says: no luck", "upstream error"},
@@ -223,11 +233,12 @@ TEST(Relay, DoesNotTakeASlowClientForASilentModelServer) {
         all += piece(std::string(50'000, 'a'));
     const Relay relay(saying(all + piece("", "stop") + done));
     bool hasSlept = false;
-    const auto streamed = relay.stream([&](const std::string&) {
+    const auto takeSlowly = [&](const std::string&) {
         if (!std::exchange(hasSlept, true))
             std::this_thread::sleep_for(1500ms); // More than the model server may be silent.
         return true;
-    });
+    };
+    const auto streamed = relay.stream(takeSlowly, std::string(700'000, 'a'));
     ASSERT_TRUE(streamed);
     EXPECT_EQ(relay.failure(), "");
 }
@@ -302,6 +313,21 @@ TEST(Relay, TakesNoMoreRequestsWhenItStops) {
     stopped.set_value();
     EXPECT_NE(client.rest().find("[DONE]"), std::string::npos);
     EXPECT_EQ(asked, 1);
+}
+
+TEST(Relay, HasTheModelToldItsOwnInstructionWhereThatIsFixed) {
+    std::promise<std::string> told;
+    const Relay relay(
+        [&](TLSConnection& connection) {
+            const auto request = connection.readRequest();
+            told.set_value(request ? request->body : "");
+            connection.send(streamHead + piece("Sample", "stop") + done);
+        },
+        [](RunningService::Options& options) { options.hasFixedPrompt = true; });
+    EXPECT_EQ(relay.stream().value().status, 200);
+    const std::string body = told.get_future().get();
+    EXPECT_NE(body.find("into English"), std::string::npos) << body;
+    EXPECT_EQ(body.find("Be brief."), std::string::npos);
 }
 
 TEST(Relay, LimitsWhatADeviceAsksFor) {

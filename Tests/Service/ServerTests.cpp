@@ -49,10 +49,8 @@ TEST_F(ServerTest, StreamsATranslationWordByWord) {
 
 TEST_F(ServerTest, AnswersInOnePieceAndToAWarmUpByEitherName) {
     EXPECT_EQ(translated(RunningService::wholeRequest("“样品”\n😊").dump()), "“Sample”\n😊");
-    // Command-line clients call every body a form; it may be long.
     const std::string text(1'000'000, 'a');
-    EXPECT_EQ(translated(RunningService::wholeRequest(text).dump(), "application/x-www-form-urlencoded"),
-              text);
+    EXPECT_EQ(translated(RunningService::wholeRequest(text).dump(), "Application/JSON; charset=utf-8"), text);
     auto warmUp = service.client("localhost")->Head("/v1/translate");
     ASSERT_TRUE(warmUp) << httplib::to_string(warmUp.error());
     EXPECT_EQ(warmUp->status, 200);
@@ -70,6 +68,8 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
         {"POST", "/v1/free", "{", 400, "not a JSON object"},
         {"POST", "/v1/free", "[]", 400, "not a JSON object"},
         {"POST", "/v1/free", "{\"text\":\"\xff\"}", 400, "UTF-8"},
+        {"POST", "/v1/free", R"({"text":)" + std::string(100'000, '['), 400, "nested too deep"},
+        {"POST", "/v1/free", R"({"text": [1], "target_lang": "EN"})", 400, "\"text\""},
         {"POST", "/v1/free", without(RunningService::wholeRequest("好"), "text"), 400, "\"text\" is missing"},
         {"POST", "/v1/free", without(RunningService::wholeRequest("好"), "target_lang"), 400,
          "\"target_lang\" is missing"},
@@ -88,6 +88,7 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
         request.method = method;
         request.path = path;
         request.body = body;
+        request.set_header("Content-Type", jsonType);
         auto answer = client->send(request);
         ASSERT_TRUE(answer) << path << ' ' << sentence;
         EXPECT_EQ(answer->status, status) << path << ' ' << sentence;
@@ -95,6 +96,19 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
         EXPECT_LE(answer->body.size(), 100U) << "as much as is shown: " << answer->body;
     }
     EXPECT_EQ(client->Put("/v1/translate", "", jsonType)->get_header_value("Allow"), "HEAD, POST");
+}
+
+TEST_F(ServerTest, SpendsNothingForWebPages) {
+    const std::string body = RunningService::wholeRequest("样品").dump();
+    const std::string own = "https://127.0.0.1:" + std::to_string(service.port);
+    const std::tuple<const char*, std::string, int> cases[] = {
+        {jsonType, "", 200},     {jsonType, own, 200},    {jsonType, "https://evil.example", 403},
+        {jsonType, "null", 403}, {"text/plain", "", 415}, {"application/x-www-form-urlencoded", "", 415},
+    };
+    for (const auto& [type, origin, status] : cases) {
+        const auto headers = origin.empty() ? httplib::Headers{} : httplib::Headers{{"Origin", origin}};
+        EXPECT_EQ(client->Post("/v1/free", headers, body, type).value().status, status) << type << origin;
+    }
 }
 
 TEST_F(ServerTest, RefusesABodyOfUnknownLengthThatIsTooLong) {
@@ -274,6 +288,7 @@ TEST_F(ServerTest, OutlivesWhatIsNoRequest) {
         {post + "Transfer-Encoding: chunked\r\n\r\nzz\r\n", "HTTP/1.1 400"},
         {post + "Content-Length: 100000\r\nConnection: close\r\n\r\n" + std::string(100'000, '['),
          "HTTP/1.1 400"},
+        {"GET /healthz HTTP/1.1\r\nContent-Length: 25\r\n\r\nGET /healthz HTTP/1.1\r\n\r\n", "HTTP/1.1 400"},
         // The body of a refused request is not the next request.
         {"POST /other HTTP/1.1\r\nContent-Length: 25\r\n\r\nGET /healthz HTTP/1.1\r\n\r\n", "HTTP/1.1 404"},
     };
