@@ -2,11 +2,16 @@
 
 #include "Platform/Desktop/Session/SessionFacts.h"
 
+#include <cstdlib>
+
 #include <QWindow>
 
 namespace platform::desktop {
 
 bool WaylandHost::isPossible() {
+    // An X11 session has none, though there may be a compositor somewhere.
+    if (!std::getenv("WAYLAND_DISPLAY"))
+        return false;
     try {
         const WaylandConnection wayland;
         return VirtualKeyboard::isOffered(wayland) && DataControl::isOffered(wayland)

@@ -27,12 +27,13 @@ void EventThread::start(Source& eventSource) {
 void EventThread::stop() {
     if (!thread.joinable())
         return;
-    post([this] { ending = true; });
+    // Also called while this is destroyed, where calls end here anyway.
+    EventThread::post([this] { ending = true; });
     thread.join();
 }
 
 void EventThread::post(std::function<void()> work) {
-    postAfter(Duration::zero(), std::move(work));
+    EventThread::postAfter(Duration::zero(), std::move(work));
 }
 
 void EventThread::postAfter(Duration delay, std::function<void()> work) {

@@ -66,24 +66,27 @@ void DataControl::introduce(OfferHandle* handle) {
     introduced.push_back(std::move(offer));
 }
 
-// Also of what was put there from here; that is told apart by its not being taken away.
+// What is put there from here is told of as well, before it is settled. What is told of later is another
+// program's.
 void DataControl::select(OfferHandle* handle) {
     const auto found =
         std::ranges::find_if(introduced, [&](const auto& offer) { return offer->handle.get() == handle; });
     selection = found != introduced.end() ? *found : nullptr;
     if (found != introduced.end())
         introduced.erase(found);
-    if (selection && !source)
+    if (isSettling)
+        return;
+    source.reset();
+    if (selection)
         ++changeCount;
 }
 
+// By another program, whose offer is told of behind this.
 void DataControl::cancelled(SourceHandle* handle) {
     if (!source || source->handle.get() != handle)
         return;
     source.reset();
-    // The other program's was told of before this.
-    if (selection)
-        ++changeCount;
+    selection.reset();
 }
 
 std::vector<std::string> DataControl::offeredTypes() const {
@@ -137,11 +140,14 @@ Task<void> DataControl::take(std::shared_ptr<const SelectionContent> content) {
     // The one before is told of its end too late to be asked about it.
     source = std::move(next);
     fetched = std::make_shared<Fetches>();
+    isSettling = true;
     co_await thread.settled();
+    isSettling = false;
 }
 
 Task<void> DataControl::leaveEmpty() {
     source.reset();
+    selection.reset();
     zwlr_data_control_device_v1_set_selection(device.get(), nullptr);
     co_await thread.settled();
 }

@@ -74,6 +74,8 @@ private:
     std::vector<std::shared_ptr<Offer>> introduced;
     std::shared_ptr<Offer> selection;
     std::unique_ptr<Source> source;
+    // The compositor may not know of it yet.
+    bool isSettling = false;
     unsigned changeCount = 0;
     std::shared_ptr<Fetches> fetched = std::make_shared<Fetches>();
 };
