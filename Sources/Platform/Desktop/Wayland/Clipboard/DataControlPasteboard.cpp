@@ -88,7 +88,7 @@ Task<SelectionContent> DataControlPasteboard::readAll() {
 Task<SelectionContent> DataControlPasteboard::formsOf(std::vector<std::string> types, Moment deadline) {
     const auto changes = clipboard.changes();
     std::vector<std::string> order = types;
-    std::ranges::stable_partition(order, isText);
+    std::stable_partition(order.begin(), order.end(), isText);
     std::size_t room = mostBytes;
     SelectionContent found;
     std::vector<std::string> missing;

@@ -32,8 +32,8 @@ SharedPicture::SharedPicture(wl_shm& memory, QSize size, int file, void* mapped)
     : stale(QRect({}, size)),
       length(lengthFor(size)),
       bytes(mapped),
-      pixels(static_cast<uchar*>(mapped), size.width(), size.height(), size.width() * bytesPerPixel,
-             QImage::Format_ARGB32_Premultiplied) {
+      pixels(static_cast<uchar*>(mapped), size.width(), size.height(),
+             qsizetype{size.width()} * bytesPerPixel, QImage::Format_ARGB32_Premultiplied) {
     auto* const pool = wl_shm_create_pool(&memory, file, static_cast<std::int32_t>(length));
     handle.reset(wl_shm_pool_create_buffer(pool, 0, size.width(), size.height(), size.width() * bytesPerPixel,
                                            WL_SHM_FORMAT_ARGB8888));

@@ -105,7 +105,7 @@ Task<SelectionContent> SelectionReader::contentOf(unsigned version, Moment deadl
 std::vector<std::size_t> SelectionReader::textFirst(const std::vector<xcb_atom_t>& forms) const {
     std::vector<std::size_t> places(forms.size());
     std::iota(places.begin(), places.end(), std::size_t{0});
-    std::ranges::stable_partition(places, [&](std::size_t place) {
+    std::stable_partition(places.begin(), places.end(), [&](std::size_t place) {
         return std::ranges::any_of(textTargets,
                                    [&](const char* text) { return x.atom(text) == forms[place]; });
     });

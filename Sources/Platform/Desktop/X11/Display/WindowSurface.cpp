@@ -43,6 +43,7 @@ QImage::Format formatFor(std::uint8_t depth) {
 void setShapeRegion(const XConnection& x, xcb_window_t window, std::uint8_t kind,
                     const std::vector<QRect>& shape) {
     std::vector<xcb_rectangle_t> rectangles;
+    rectangles.reserve(shape.size());
     for (const auto& part : shape)
         rectangles.push_back({static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
                               static_cast<std::uint16_t>(part.width()),
