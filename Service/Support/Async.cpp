@@ -46,17 +46,17 @@ asio::awaitable<void> giveWay() {
 
 asio::awaitable<void> inBackground(asio::thread_pool& pool, std::function<void()> work) {
     const auto initiate = [&](auto handler) {
-        asio::post(
-            pool, [&, waiting = asio::make_work_guard(handler), coming = std::move(handler)]() mutable {
-                std::exception_ptr failure;
-                try {
-                    work();
-                } catch (...) {
-                    failure = std::current_exception();
-                }
-                asio::post(waiting.get_executor(),
-                           [failure, back = std::move(coming)]() mutable { std::move(back)(failure); });
-            });
+        auto guard = asio::make_work_guard(handler);
+        asio::post(pool, [&, waiting = std::move(guard), coming = std::move(handler)]() mutable {
+            std::exception_ptr failure;
+            try {
+                work();
+            } catch (...) {
+                failure = std::current_exception();
+            }
+            asio::post(waiting.get_executor(),
+                       [failure, back = std::move(coming)]() mutable { std::move(back)(failure); });
+        });
     };
     co_await asio::async_initiate<const asio::use_awaitable_t<>, void(std::exception_ptr)>(
         initiate, asio::use_awaitable);

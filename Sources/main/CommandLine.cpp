@@ -10,17 +10,16 @@ CommandLine::CommandLine(std::span<char* const> arguments) {
     if (arguments.size() <= 1)
         return;
     const std::string_view word = arguments[1];
-    if (arguments.size() > 2) {
-        purpose = Purpose::misunderstood;
-    } else if (word == "--help" || word == "-h") {
+    purpose = Purpose::misunderstood;
+    if (arguments.size() > 2)
+        return;
+    if (word == "--help" || word == "-h") {
         purpose = Purpose::help;
     } else if (word == "--version") {
         purpose = Purpose::version;
     } else if (std::ranges::count(commands, word) != 0) {
         purpose = Purpose::tellRunningCopy;
         command = word;
-    } else {
-        purpose = Purpose::misunderstood;
     }
 }
 

@@ -90,7 +90,10 @@ TEST_F(ServerTest, RefusesWithTheRightStatusAndASentence) {
         request.body = body;
         request.set_header("Content-Type", jsonType);
         auto answer = client->send(request);
-        ASSERT_TRUE(answer) << path << ' ' << sentence;
+        // This client may give up sending when it is answered before it has sent all.
+        for (int tries = 0; !answer && answer.error() == httplib::Error::Write && tries < 5; ++tries)
+            answer = client->send(request);
+        ASSERT_TRUE(answer) << path << ' ' << sentence << ' ' << httplib::to_string(answer.error());
         EXPECT_EQ(answer->status, status) << path << ' ' << sentence;
         EXPECT_NE(answer->body.find(sentence), std::string::npos) << answer->body;
         EXPECT_LE(answer->body.size(), 100U) << "as much as is shown: " << answer->body;
