@@ -42,8 +42,9 @@ public:
         std::lock_guard lock(mutex);
         return text;
     }
-    bool becomes(const std::string& expected) const {
-        return comesTrue([&] { return get() == expected; });
+    testing::AssertionResult becomes(const std::string& expected) const {
+        const bool didCome = comesTrue([&] { return get() == expected; });
+        return (didCome ? testing::AssertionSuccess() : testing::AssertionFailure()) << get();
     }
 
 private:

@@ -75,6 +75,9 @@ TEST_F(KeyboardTest, LiftsWhatTheUserHoldsAndPutsItBack) {
 TEST_F(KeyboardTest, LeavesNothingPressedHoweverTheUserTypesMeanwhile) {
     TestApplication application;
     startTap();
+    // Nothing is typed before the user has pressed the key, which also tells on what keyboard.
+    user.strike({Key::rightControl});
+    ASSERT_TRUE(tapped.becomes("down up "));
     std::atomic<bool> isDone = false;
     std::jthread typist([&] {
         std::minstd_rand random(7);

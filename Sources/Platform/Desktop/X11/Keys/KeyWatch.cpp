@@ -306,8 +306,8 @@ void KeyWatch::chooseRawEvents() {
                                | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS
                          : 0U},
         Selection{{XCB_INPUT_DEVICE_ALL, 1}, wanted ? std::uint32_t{XCB_INPUT_XI_EVENT_MASK_HIERARCHY} : 0U}};
-    xcb_input_xi_select_events(x, x.root(), selections.size(), &selections.front().head);
-    x.flush();
+    // The first press must not come before these are selected.
+    x.errorOf(xcb_input_xi_select_events_checked(x, x.root(), selections.size(), &selections.front().head));
     hearsRawEvents = wanted;
     if (wanted)
         injector.startAccount();
