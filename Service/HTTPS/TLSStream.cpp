@@ -15,7 +15,6 @@ constexpr std::chrono::seconds handshakeTime = 10s;
 // A client that takes nothing for so long is not going to take the rest.
 constexpr std::chrono::seconds writeTime = 15s;
 constexpr std::chrono::seconds drainTime = 2s;
-constexpr std::chrono::milliseconds quietTime = 100ms;
 constexpr std::size_t drainBytes = std::size_t{16} * 1024 * 1024;
 
 // Whether a receive has failed only because nothing is there yet. A socket reported as readable can be empty:
@@ -97,21 +96,14 @@ asio::awaitable<bool> TLSStream::flush() {
 asio::awaitable<void> TLSStream::drain() {
     if (lost)
         co_return;
+    SSL_shutdown(session.get());
+    ::shutdown(socket.native_handle(), SHUT_WR);
     lost = true;
     const auto deadline = Clock::now() + drainTime;
-    // Some clients take an end that comes while they still send for a failure, and the answer with it.
-    bool isEndTold = false;
     for (std::size_t taken = 0; taken < drainBytes;) {
-        const auto patience = isEndTold ? deadline : std::min(deadline, Clock::now() + quietTime);
-        const bool hasMore = co_await isReady(socket, tcp::socket::wait_read, patience);
-        if (!hasMore && isEndTold)
+        const bool hasMore = co_await isReady(socket, tcp::socket::wait_read, deadline);
+        if (!hasMore)
             co_return;
-        if (!hasMore) {
-            isEndTold = true;
-            SSL_shutdown(session.get());
-            ::shutdown(socket.native_handle(), SHUT_WR);
-            continue;
-        }
         std::array<char, packetBytes> scratch;
         const ssize_t count = ::recv(socket.native_handle(), scratch.data(), scratch.size(), 0);
         if (isEmptyYet(count))
