@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <openssl/err.h>
 #include <sys/socket.h>
 
@@ -14,8 +15,13 @@ constexpr std::chrono::seconds handshakeTime = 10s;
 // A client that takes nothing for so long is not going to take the rest.
 constexpr std::chrono::seconds writeTime = 15s;
 constexpr std::chrono::seconds drainTime = 2s;
-constexpr std::chrono::milliseconds quietTime = 100ms;
 constexpr std::size_t drainBytes = std::size_t{16} * 1024 * 1024;
+
+// Whether a receive has failed only because nothing is there yet. A socket reported as readable can be empty:
+// the report may be older than the last read.
+bool isEmptyYet(ssize_t count) {
+    return count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR);
+}
 
 } // namespace
 
@@ -49,7 +55,15 @@ asio::awaitable<bool> TLSStream::awaitClient(Clock::time_point deadline) {
         co_return !lost;
     received.shrink_to_fit();
     unsent.shrink_to_fit();
-    co_return co_await isReady(socket, tcp::socket::wait_read, deadline);
+    char first = 0;
+    ssize_t count = -1;
+    do {
+        const bool isReadable = co_await isReady(socket, tcp::socket::wait_read, deadline);
+        if (!isReadable)
+            co_return false;
+        count = ::recv(socket.native_handle(), &first, 1, MSG_PEEK);
+    } while (isEmptyYet(count));
+    co_return true;
 }
 
 asio::awaitable<bool> TLSStream::receive(Clock::time_point deadline) {
@@ -82,23 +96,18 @@ asio::awaitable<bool> TLSStream::flush() {
 asio::awaitable<void> TLSStream::drain() {
     if (lost)
         co_return;
+    SSL_shutdown(session.get());
+    ::shutdown(socket.native_handle(), SHUT_WR);
     lost = true;
     const auto deadline = Clock::now() + drainTime;
-    // Some clients take an end that comes while they still send for a failure, and the answer with it.
-    bool isEndTold = false;
     for (std::size_t taken = 0; taken < drainBytes;) {
-        const auto patience = isEndTold ? deadline : std::min(deadline, Clock::now() + quietTime);
-        const bool hasMore = co_await isReady(socket, tcp::socket::wait_read, patience);
-        if (!hasMore && isEndTold)
+        const bool hasMore = co_await isReady(socket, tcp::socket::wait_read, deadline);
+        if (!hasMore)
             co_return;
-        if (!hasMore) {
-            isEndTold = true;
-            SSL_shutdown(session.get());
-            ::shutdown(socket.native_handle(), SHUT_WR);
-            continue;
-        }
         std::array<char, packetBytes> scratch;
         const ssize_t count = ::recv(socket.native_handle(), scratch.data(), scratch.size(), 0);
+        if (isEmptyYet(count))
+            continue;
         if (count <= 0)
             co_return;
         taken += static_cast<std::size_t>(count);

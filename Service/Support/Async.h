@@ -14,7 +14,8 @@ namespace lumarin::service {
 namespace asio = boost::asio;
 using asio::ip::tcp;
 
-// Whether it is ready by `deadline`.
+// Whether it is ready by `deadline`. May report what has been read meanwhile: an operation that would block
+// is to be waited for again.
 asio::awaitable<bool> isReady(tcp::socket& socket, tcp::socket::wait_type what,
                               std::chrono::steady_clock::time_point deadline);
 asio::awaitable<bool> isReadable(asio::posix::stream_descriptor& descriptor,
